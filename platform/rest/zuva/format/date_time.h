@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "zuva/format/value.h"
+
+namespace zuva::format {
+
+/// A date and time as RFC 3339 text: `2026-11-24T10:15:30+00:00`, with `.mmm` before the zone only when the milliseconds are not 0.
+class DateTime : public Value {
+ public:
+  /// Throws `ara::rest::InvalidArgumentException` for a number that no date has (a year over 9999, the 30th of February); second 60 is
+  /// a leap second. The zone stands in the text as it is given.
+  DateTime(std::uint16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute, std::uint8_t second,
+           std::uint16_t milliseconds, std::string zone);
+  /// The same for a date that is there; a throw leaves it as it was.
+  void Set(std::uint16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute, std::uint8_t second,
+           std::uint16_t milliseconds, std::string zone);
+  /// Takes the other's date and keeps its own callback, which is told if the text changed.
+  DateTime& operator=(const DateTime&) = default;
+  DateTime(const DateTime&) = default;
+
+  std::uint16_t GetYear() const noexcept { return year_; }
+  std::uint8_t GetMonth() const noexcept { return month_; }
+  std::uint8_t GetDay() const noexcept { return day_; }
+  std::uint8_t GetHour() const noexcept { return hour_; }
+  std::uint8_t GetMinute() const noexcept { return minute_; }
+  std::uint8_t GetSecond() const noexcept { return second_; }
+  std::uint16_t GetMilliseconds() const noexcept { return milliseconds_; }
+  const std::string& GetZone() const noexcept { return zone_; }
+
+ private:
+  std::uint16_t year_ = 0;
+  std::uint8_t month_ = 0;
+  std::uint8_t day_ = 0;
+  std::uint8_t hour_ = 0;
+  std::uint8_t minute_ = 0;
+  std::uint8_t second_ = 0;
+  std::uint16_t milliseconds_ = 0;
+  std::string zone_;
+};
+
+}  // namespace zuva::format

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "ara/rest/router.h"
+#include "ara/rest/uri.h"
+#include "zuva/request.h"
+#include "zuva/server_x_object.h"
+
+namespace zuva {
+
+/// What a path leads to. The walk over server, service, resource and element calls one of the `On...` operations, and that
+/// answers the request. GET and HEAD run on the I/O thread, everything else on any thread. What an endpoint doesn't offer is
+/// answered with 405.
+class XObjectEndpoint : public ServerXObject {
+ public:
+  static constexpr std::string_view kReadOnly = "GET, HEAD";
+  static constexpr std::string_view kWritable = "GET, HEAD, POST";
+
+  using ServerXObject::ServerXObject;
+
+  /// The paths that this object and those below it answer.
+  virtual ara::rest::Router GetRoutes() const;
+  virtual void ClearRouting(ara::rest::Router& router) const;
+  /// The same number for the same query, whatever the order of its parts.
+  virtual std::size_t GetQueryHash(const ara::rest::Uri& uri) const;
+  virtual void OnPost(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnPut(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnDelete(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnGet(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnHead(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnWs(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnUnknownMethod(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  virtual void OnQuery(const Query& query, ServerReply& reply);
+  virtual void OnWsQuery(const Query& query, ServerReply& reply);
+  virtual void OnUpdate(const ogm::Object& object, ServerReply& reply);
+  virtual void OnIdentity(ServerReply& reply);
+  virtual void OnSpecification(ServerReply& reply);
+  virtual bool IsIdentity(const Query& query, const ara::rest::Matches& matches) const;
+  virtual bool IsSpecification(const Query& query, const ara::rest::Matches& matches) const;
+
+  /// The methods offered here, as an `Allow` field tells them. Any thread.
+  virtual std::string_view AllowedMethods() const { return kReadOnly; }
+};
+
+}  // namespace zuva
