@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -67,20 +68,27 @@ class ModelElement : public zuva::ServerElement {
   /// Removes the field if it is there.
   void Unset(std::string_view name);
 
+  /// The value, if the field exists.
+  template <class T>
+  std::optional<typename T::ValueType> Read(std::string_view name) const {
+    const auto lock = Lock();
+    if (!HasField(name)) return std::nullopt;
+    return GetFieldValue<T>(name);
+  }
   /// The text, empty if the field does not exist.
-  std::string GetWord(std::string_view name) const;
+  std::string GetWord(std::string_view name) const { return Read<ara::rest::ogm::String>(name).value_or(std::string{}); }
+  /// Whether `GetWord` would give this word; copies nothing.
+  bool HasWord(std::string_view name, std::string_view word) const;
   /// The words of an array, none if the field does not exist.
   WordList GetWords(std::string_view name) const;
 
   /// Puts another object into this one under `name`: readers see it as it is at that moment. Only before this object is reachable.
   void Embed(std::string_view name, std::shared_ptr<ModelElement> object);
   /// The object embedded under `name`, or null.
-  std::shared_ptr<ModelElement> Embedded(std::string_view name) const;
+  std::shared_ptr<zuva::ServerElement> FindEmbedded(std::string_view name) const;
 
   /// The object's tree, with each embedded object in its present state. Holds no lock of this object while it asks the embedded ones.
   ara::rest::Pointer<ara::rest::ogm::Object> ToOGM() const override;
-  /// Grows with every change of this object or of an embedded one.
-  std::uint64_t ContentVersion() const override;
 
  protected:
   /// `model` must outlive the object. The name is the object's own, not the model's.
@@ -89,13 +97,7 @@ class ModelElement : public zuva::ServerElement {
  private:
   const Property& Require(std::string_view name, ara::rest::ogm::Kind kind) const;
 
-  struct EmbeddedObject {
-    std::string_view name;  // the model's own text
-    std::shared_ptr<ModelElement> object;
-  };
-
   const ElementModel& model_;
-  std::vector<EmbeddedObject> embedded_;  // complete before the object is reachable, only read from then on
 };
 
 /// The URI of an element: the resource's, a slash and the identifier.
