@@ -1,11 +1,11 @@
 #include "ara/log/log_stream.h"
 
-#include <chrono>
-#include <cstring>
-
 #include "ara/log/impl/backend.h"
 #include "ara/log/impl/text.h"
 #include "ara/log/logger.h"
+
+#include <chrono>
+#include <cstring>
 
 namespace ara::log {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ara/log/log_level.h"
+
 #include <charconv>
 #include <concepts>
 #include <cstddef>
@@ -7,8 +9,6 @@
 #include <string_view>
 #include <system_error>
 #include <type_traits>
-
-#include "ara/log/log_level.h"
 
 namespace ara::log {
 

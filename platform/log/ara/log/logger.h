@@ -1,10 +1,10 @@
 #pragma once
 
-#include <atomic>
-#include <string>
-
 #include "ara/log/log_level.h"
 #include "ara/log/log_stream.h"
+
+#include <atomic>
+#include <string>
 
 namespace ara::log {
 

@@ -1,15 +1,15 @@
 #include "ara/log/logging.h"
 
+#include "ara/log/impl/backend.h"
+#include "ara/log/impl/dlt_sink.h"
+#include "ara/log/impl/line_sink.h"
+
 #include <cstdlib>
 #include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
-
-#include "ara/log/impl/backend.h"
-#include "ara/log/impl/dlt_sink.h"
-#include "ara/log/impl/line_sink.h"
 
 namespace ara::log {
 

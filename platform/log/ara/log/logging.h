@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "ara/log/log_level.h"
 #include "ara/log/log_stream.h"
 #include "ara/log/logger.h"
+
+#include <string>
 
 namespace ara::log {
 

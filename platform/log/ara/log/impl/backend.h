@@ -1,17 +1,17 @@
 #pragma once
 
+#include "ara/log/impl/early_records.h"
+#include "ara/log/impl/record.h"
+#include "ara/log/impl/sink.h"
+#include "ara/log/impl/writer.h"
+#include "ara/log/logger.h"
+
 #include <atomic>
 #include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
-
-#include "ara/log/impl/early_records.h"
-#include "ara/log/impl/record.h"
-#include "ara/log/impl/sink.h"
-#include "ara/log/impl/writer.h"
-#include "ara/log/logger.h"
 
 namespace ara::log::impl {
 

@@ -1,5 +1,10 @@
 #include "ara/log/impl/dlt_sink.h"
 
+#include "ara/log/impl/dlt_context_ids.h"
+#include "ara/log/impl/signals_blocked.h"
+#include "ara/log/impl/text.h"
+#include "ara/log/logger.h"
+
 #include <dlt/dlt.h>
 
 #include <algorithm>
@@ -9,11 +14,6 @@
 #include <ratio>
 #include <stdexcept>
 #include <unordered_map>
-
-#include "ara/log/impl/dlt_context_ids.h"
-#include "ara/log/impl/signals_blocked.h"
-#include "ara/log/impl/text.h"
-#include "ara/log/logger.h"
 
 namespace ara::log::impl {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "ara/log/impl/sink.h"
+
 #include <memory>
 #include <string>
-
-#include "ara/log/impl/sink.h"
 
 namespace ara::log::impl {
 

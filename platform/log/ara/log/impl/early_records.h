@@ -1,11 +1,11 @@
 #pragma once
 
+#include "ara/log/impl/record.h"
+
 #include <cstddef>
 #include <deque>
 #include <string>
 #include <utility>
-
-#include "ara/log/impl/record.h"
 
 namespace ara::log::impl {
 

@@ -1,5 +1,8 @@
 #include "ara/log/impl/line_sink.h"
 
+#include "ara/log/impl/text.h"
+#include "ara/log/logger.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -13,9 +16,6 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
-
-#include "ara/log/impl/text.h"
-#include "ara/log/logger.h"
 
 namespace ara::log::impl {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "ara/log/impl/sink.h"
 #include "ara/log/impl/timestamp.h"
+
+#include <memory>
+#include <string>
 
 namespace ara::log::impl {
 

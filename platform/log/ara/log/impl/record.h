@@ -1,9 +1,9 @@
 #pragma once
 
+#include "ara/log/log_level.h"
+
 #include <chrono>
 #include <string_view>
-
-#include "ara/log/log_level.h"
 
 namespace ara::log {
 class Logger;

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "ara/log/impl/record.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-
-#include "ara/log/impl/record.h"
 
 namespace ara::log::impl {
 

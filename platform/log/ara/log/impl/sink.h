@@ -1,9 +1,9 @@
 #pragma once
 
+#include "ara/log/impl/record.h"
+
 #include <chrono>
 #include <cstddef>
-
-#include "ara/log/impl/record.h"
 
 namespace ara::log::impl {
 

@@ -1,5 +1,8 @@
 #include "ara/log/impl/writer.h"
 
+#include "ara/log/impl/signals_blocked.h"
+#include "ara/log/logger.h"
+
 #include <pthread.h>
 
 #include <algorithm>
@@ -7,9 +10,6 @@
 #include <exception>
 #include <string>
 #include <utility>
-
-#include "ara/log/impl/signals_blocked.h"
-#include "ara/log/logger.h"
 
 namespace ara::log::impl {
 

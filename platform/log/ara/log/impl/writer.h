@@ -1,5 +1,9 @@
 #pragma once
 
+#include "ara/log/impl/early_records.h"
+#include "ara/log/impl/record_ring.h"
+#include "ara/log/impl/sink.h"
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -8,10 +12,6 @@
 #include <memory>
 #include <mutex>
 #include <thread>
-
-#include "ara/log/impl/early_records.h"
-#include "ara/log/impl/record_ring.h"
-#include "ara/log/impl/sink.h"
 
 namespace ara::log::impl {
 

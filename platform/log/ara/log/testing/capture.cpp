@@ -1,8 +1,8 @@
 #include "ara/log/testing/capture.h"
 
-#include <mutex>
-
 #include "ara/log/impl/backend.h"
+
+#include <mutex>
 
 namespace ara::log::testing {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "ara/log/log_level.h"
+
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "ara/log/log_level.h"
 
 namespace ara::log::testing {
 
