@@ -13,18 +13,25 @@
 
 namespace xr::com::someip::serialization {
 
-/// The tags of a record.
+/// The tags of a record. Refers to the array that it is made from.
 class Tag_list {
  public:
-  explicit Tag_list(std::span<const Structure_tag> tags) : tags_{tags} {}
+  explicit Tag_list(std::span<const Structure_tag> tags) : tags_{tags} {
+    for (const auto tag : tags) {
+      if (tag.data_id() < 64) lowIds_ |= std::uint64_t{1} << tag.data_id();
+    }
+  }
 
   bool empty() const { return tags_.empty(); }
+
   bool contains(std::uint16_t dataId) const {
+    if (dataId < 64) return (lowIds_ >> dataId & 1U) != 0;  // in practice all ids
     return std::any_of(tags_.begin(), tags_.end(), [dataId](Structure_tag tag) { return tag.data_id() == dataId; });
   }
 
  private:
   std::span<const Structure_tag> tags_;
+  std::uint64_t lowIds_ = 0;
 };
 
 template <class T>
@@ -47,6 +54,26 @@ inline std::size_t calc_record_end_offset_or_throw(std::size_t offset, std::size
   if (offset + recordLength > size) failures::end_position_invalid();
   return offset + recordLength;
 }
+
+inline constexpr std::size_t kAbsent = std::numeric_limits<std::size_t>::max();
+
+/// Where a search ended: before the body of the member found, with its stated length; or with `kAbsent` before a member that
+/// the record knows, or at an end.
+struct Search_result {
+  std::size_t offset;
+  std::size_t length;
+};
+
+/// Whether the next tag belongs to another member of the record, so that the expected one is absent.
+inline bool is_left_out(const Read_buffer& buffer, Structure_tag expected, const Tag_list& tags) {
+  const auto next = peek_member_tag(buffer);
+  return next.data_id() != expected.data_id() && tags.contains(next.data_id());
+}
+
+/// The search for one expected member, step by step. Fails with `std::runtime_error` on another wire type and on a record
+/// without tags, with `std::out_of_range` on a length that leaves the buffer.
+Search_result search_member(Read_buffer buffer, Structure_tag expected, const Serialization_properties& properties, const Tag_list& tags,
+                            std::size_t recordEnd);
 
 /// Compares what a body took with its stated length: more is a failure, the rest of less is skipped.
 inline void finish_body(Read_buffer& buffer, std::size_t begin, std::size_t length) {
@@ -76,7 +103,7 @@ class Custom_type_deserialize_dispatcher {
  private:
   Read_buffer& buffer_;
   const Serialization_properties& properties_;
-  const Tag_list tags_;
+  const Tag_list& tags_;
   const std::size_t recordEnd_;
 };
 
@@ -111,23 +138,24 @@ inline void read_elements(Read_buffer& buffer, Vector& value, std::size_t length
   while (buffer.offset() < end) deserialize_without_tag(buffer, value.emplace_back(), properties);
 }
 
-/// One flat function per record. The buffer goes in and out by value: a reference would be reloaded after every write.
+/// One flat function per record, on copies of position and settings: originals would be reloaded after every write.
 template <class Record>
-[[gnu::flatten, gnu::noinline]] Read_buffer read_record(Read_buffer buffer, Record& record, std::size_t length,
-                                                        Serialization_properties properties) {
+[[gnu::flatten, gnu::noinline]] void read_record(Read_buffer& origin, Record& record, std::size_t length,
+                                                 const Serialization_properties& settings) {
+  Read_buffer buffer = origin;
+  const auto properties = settings;
   const auto end = calc_record_end_offset_or_throw(buffer.offset(), buffer.size(), length);
   if constexpr (Tagged_record<Record>) {
-    const Tag_list tags{Record::get_tlv_tags()};
+    static const Tag_list tags{Record::get_tlv_tags()};
     Custom_type_deserialize_dispatcher dispatcher{buffer, properties, tags, end};
     record.visit(dispatcher);
-    buffer.seek_to(end);
   } else {
-    Custom_type_deserialize_dispatcher dispatcher{buffer, properties, Tag_list{{}}, end};
+    const Tag_list none{{}};
+    Custom_type_deserialize_dispatcher dispatcher{buffer, properties, none, end};
     record.visit(dispatcher);
     if (buffer.offset() > end) failures::length_too_small();
-    buffer.seek_to(end);
   }
-  return buffer;
+  origin.seek_to(end);
 }
 
 /// Reads a body of which `length` bytes are stated. May leave some of them, or take more.
@@ -146,7 +174,7 @@ template <class T>
   } else if constexpr (isVector<T>) {
     read_elements(buffer, value, length, properties);
   } else {
-    buffer = read_record(buffer, value, length, properties);
+    read_record(buffer, value, length, properties);
   }
 }
 
@@ -160,25 +188,29 @@ template <class T>
 [[gnu::always_inline]] inline void deserialize_with_tag(Read_buffer& buffer, qe::com::optional<T>& member, Structure_tag expected,
                                                         const Serialization_properties& properties, const Tag_list& tags,
                                                         std::size_t recordEnd) {
-  while (buffer.remaining() > 0 && buffer.offset() < recordEnd) {
-    const auto offset = buffer.offset();
-    const auto tag = deserialize_member_tag(buffer);
-    if (tag.data_id() == expected.data_id()) {
-      const bool bothCarryLength = has_length_field(tag.wire_type()) && has_length_field(expected.wire_type());
-      if (tag.wire_type() != expected.wire_type() && !bothCarryLength) failures::wire_type_mismatch();
-      const auto length = deserialize_length_field_with_tag(buffer, tag, properties);
-      const auto begin = buffer.offset();
-      detail::read_body(buffer, member.emplace(), length, properties);
-      detail::finish_body(buffer, begin, length);
+  if (buffer.remaining() == 0 || buffer.offset() >= recordEnd) return;
+  if constexpr (Scalar<T>) {
+    T value{};
+    if (!has_length_field(expected.wire_type()) && buffer.read_if_behind(expected.bytes(), value, properties.is_little_endian())) {
+      member = value;
       return;
     }
-    if (tags.contains(tag.data_id())) {
-      buffer.seek_to(offset);
-      return;
-    }
-    if (tags.empty()) failures::tag_list_missing();
-    buffer.skip(deserialize_length_field_with_tag(buffer, tag, properties));
   }
+  std::size_t length = 0;
+  if (buffer.starts_with(expected.bytes())) {  // senders keep the order: the usual case
+    buffer.skip(expected.bytes().size());
+    length = deserialize_length_field_with_tag(buffer, expected, properties);
+  } else if (detail::is_left_out(buffer, expected, tags)) {
+    return;
+  } else {
+    const auto found = detail::search_member(buffer, expected, properties, tags, recordEnd);
+    buffer.seek_to(found.offset);
+    if (found.length == detail::kAbsent) return;
+    length = found.length;
+  }
+  const auto begin = buffer.offset();
+  detail::read_body(buffer, member.emplace(), length, properties);
+  detail::finish_body(buffer, begin, length);
 }
 
 /// Reads a value that has no tag, its own length field first where its kind has one.

@@ -89,6 +89,13 @@ inline std::size_t deserialize_length_field_with_tag(Read_buffer& buffer, Struct
 /// Appends the two bytes of the tag.
 void serialize_member_tag(std::vector<unsigned char>& bytes, Structure_tag tag);
 
+/// The tag at the present position, which stays.
+inline Structure_tag peek_member_tag(Read_buffer buffer) {
+  const auto first = buffer.read<std::uint8_t>(false);
+  const auto second = buffer.read<std::uint8_t>(false);
+  return Structure_tag{{first, second}};
+}
+
 inline Structure_tag deserialize_member_tag(Read_buffer& buffer) {
   buffer.throw_if_out_of_range(2);
   const auto first = buffer.read<std::uint8_t>(false);

@@ -3,7 +3,10 @@
 #include "binding/serialization/byte_order.h"
 #include "binding/serialization/failures.h"
 
+#include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -35,6 +38,18 @@ class Read_buffer {
     offset_ += count;
   }
 
+  /// Whether the next two bytes are these; false too when fewer remain.
+  bool starts_with(const std::array<unsigned char, 2>& pair) const { return remaining() >= 2 && is_next(pair); }
+
+  /// Reads a value that stands behind two given bytes: one check for both, since most of a payload is of this kind.
+  template <someip::serialization::Scalar T>
+  bool read_if_behind(const std::array<unsigned char, 2>& pair, T& value, bool littleEndian) {
+    if (remaining() < 2 + sizeof(T) || !is_next(pair)) return false;
+    value = someip::serialization::load<T>(begin_ + offset_ + 2, littleEndian);
+    offset_ += 2 + sizeof(T);
+    return true;
+  }
+
   template <someip::serialization::Scalar T>
   T read(bool littleEndian) {
     throw_if_out_of_range(sizeof(T));
@@ -51,6 +66,12 @@ class Read_buffer {
   }
 
  private:
+  bool is_next(const std::array<unsigned char, 2>& pair) const {
+    std::array<unsigned char, 2> next;
+    std::memcpy(next.data(), begin_ + offset_, next.size());
+    return std::bit_cast<std::uint16_t>(next) == std::bit_cast<std::uint16_t>(pair);
+  }
+
   const unsigned char* begin_;
   std::size_t size_;
   std::size_t offset_ = 0;

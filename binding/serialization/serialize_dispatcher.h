@@ -10,7 +10,7 @@ namespace xr::com::someip::serialization::detail {
 template <class T>
 void write_body(Write_cursor& cursor, const T& value, const Serialization_properties& properties);
 template <class Record>
-Write_cursor write_record(Write_cursor cursor, const Record& record, Serialization_properties properties);
+Write_cursor write_record(Write_cursor cursor, const Record& record, const Serialization_properties& properties);
 
 /// Writes a value that has no tag, its own length field first.
 template <class T>
@@ -66,7 +66,8 @@ template <class T>
 
 /// One flat function per record. The cursor goes in and out by value: a reference would be reloaded after every byte written.
 template <class Record>
-[[gnu::flatten, gnu::noinline]] Write_cursor write_record(Write_cursor cursor, const Record& record, Serialization_properties properties) {
+[[gnu::flatten, gnu::noinline]] Write_cursor write_record(Write_cursor cursor, const Record& record,
+                                                          const Serialization_properties& properties) {
   Custom_type_serialize_dispatcher dispatcher{cursor, properties};
   record.visit(dispatcher);
   return cursor;

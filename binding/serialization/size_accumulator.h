@@ -11,7 +11,7 @@ namespace xr::com::someip::serialization::detail {
 template <class T>
 std::size_t body_size(const T& value, const Serialization_properties& properties);
 template <class Record>
-std::size_t record_size(const Record& record, Serialization_properties properties);
+std::size_t record_size(const Record& record, const Serialization_properties& properties);
 
 /// Bytes of a value that has no tag, its own length field included.
 template <class T>
@@ -35,6 +35,12 @@ class SizeAccumulator {
   /// A tagged member; an absent one has no bytes at all.
   template <class T>
   [[gnu::always_inline]] void operator()(const qe::com::optional<T>& member, Structure_tag tag) {
+    if constexpr (Scalar<T>) {
+      if (!has_length_field(tag.wire_type())) {
+        size_ += std::size_t{member.has_value()} * (tag.bytes().size() + sizeof(T));  // no branch: most members are scalars
+        return;
+      }
+    }
     if (member.has_value()) add(*member, tag);
   }
 
@@ -76,9 +82,9 @@ template <class T>
   }
 }
 
-/// One flat function per record, with its own copy of the settings, so that the sum stays in a register.
+/// One flat function per record, so that the sum stays in a register.
 template <class Record>
-[[gnu::flatten, gnu::noinline]] std::size_t record_size(const Record& record, Serialization_properties properties) {
+[[gnu::flatten, gnu::noinline]] std::size_t record_size(const Record& record, const Serialization_properties& properties) {
   SizeAccumulator accumulator{properties};
   record.visit(accumulator);
   return accumulator.size();
