@@ -30,6 +30,10 @@ def upper(name):
     return name[0].upper() + name[1:]
 
 
+def lower(name):
+    return name[0].lower() + name[1:]
+
+
 class File:
     """One JSON file, valid by its schema. `refuse` names it."""
 

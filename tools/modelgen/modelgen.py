@@ -11,7 +11,7 @@ from pathlib import Path
 
 import jinja2
 
-from model import Model, Refusal, snake, upper
+from model import Model, Refusal, lower, snake, upper
 
 WIRE_NAMES = ["one_byte", "two_bytes", "four_bytes", "eight_bytes", "configured_length_field", "one_byte_length_field",
               "two_byte_length_field", "four_byte_length_field"]
@@ -48,7 +48,8 @@ def rest_files(model):
 
 
 def rest_service(document, operations):
-    service = {"name": document.name, "snake": snake(document.name), "description": document.description}
+    service = {"name": document.name, "snake": snake(document.name), "member": lower(document.name),
+               "description": document.description}
     service["namespace"] = f"zuva::server::{service['snake']}"
     service["resources"] = [rest_resource(document, name, resource, operations) for name, resource in document.resources.items()]
     return service
@@ -89,10 +90,10 @@ def vocabularies(services):
 
 
 def environment():
-    """Templates look like the C++ that they give: `${value}`, and `//%` before a statement."""
+    """Templates look like the C++ that they give: `${value}`, and `/*% statement %*/`."""
     env = jinja2.Environment(loader=jinja2.FileSystemLoader(Path(__file__).parent / "templates"), undefined=jinja2.StrictUndefined,
-                             keep_trailing_newline=True, variable_start_string="${", variable_end_string="}",
-                             block_start_string="<%", block_end_string="%>", line_statement_prefix="//%")
+                             keep_trailing_newline=True, trim_blocks=True, lstrip_blocks=True, variable_start_string="${",
+                             variable_end_string="}", block_start_string="/*%", block_end_string="%*/")
     env.filters |= {"quote": lambda text: json.dumps(text, ensure_ascii=False), "wire": WIRE_NAMES.__getitem__}
     return env
 

@@ -3,13 +3,13 @@
 #include <cstdint>
 
 namespace ${service.namespace}::datatypes {
-//% for name, rows in service.enumerations.items()
+/*% for name, rows in service.enumerations.items() %*/
 
 enum class DT_${service.name}_${name} : std::uint32_t {
-//% for number, word in rows
+/*% for number, word in rows %*/
   ${word} = ${number},
-//% endfor
+/*% endfor %*/
 };
-//% endfor
+/*% endfor %*/
 
 }  // namespace ${service.namespace}::datatypes

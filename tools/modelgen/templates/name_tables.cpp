@@ -11,16 +11,16 @@ std::unordered_map<std::string, Enumeration> Inverted(const std::unordered_map<E
 }
 
 }  // namespace
-//% for name, rows in service.enumerations.items()
+/*% for name, rows in service.enumerations.items() %*/
 
-//% set enumeration = "datatypes::DT_" ~ service.name ~ "_" ~ name
+/*% set enumeration = "datatypes::DT_" ~ service.name ~ "_" ~ name %*/
 const std::unordered_map<${enumeration}, std::string> mapDT_${service.name}_${name}_Direct{
-//% for number, word in rows
+/*% for number, word in rows %*/
     {${enumeration}::${word}, "${word}"},
-//% endfor
+/*% endfor %*/
 };
 const std::unordered_map<std::string, ${enumeration}> mapDT_${service.name}_${name}_Inv =
     Inverted(mapDT_${service.name}_${name}_Direct);
-//% endfor
+/*% endfor %*/
 
 }  // namespace ${service.namespace}

@@ -8,22 +8,22 @@
 
 // The words of the vehicle service's enumerations, from value to word and back. Built before `main`, constant from then on.
 namespace ${service.namespace} {
-//% for name in service.enumerations
+/*% for name in service.enumerations %*/
 
 extern const std::unordered_map<datatypes::DT_${service.name}_${name}, std::string> mapDT_${service.name}_${name}_Direct;
 extern const std::unordered_map<std::string, datatypes::DT_${service.name}_${name}> mapDT_${service.name}_${name}_Inv;
-//% endfor
+/*% endfor %*/
 
 }  // namespace ${service.namespace}
 
 namespace trov {
-//% for name in service.enumerations
+/*% for name in service.enumerations %*/
 
 template <>
 struct Names<${service.namespace}::datatypes::DT_${service.name}_${name}> {
   static const auto& Direct() { return ${service.namespace}::mapDT_${service.name}_${name}_Direct; }
   static const auto& Inverse() { return ${service.namespace}::mapDT_${service.name}_${name}_Inv; }
 };
-//% endfor
+/*% endfor %*/
 
 }  // namespace trov

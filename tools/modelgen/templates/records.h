@@ -15,7 +15,7 @@ namespace ${service.namespace}::datatypes {
 
 using uuid16 = std::array<unsigned char, 16>;
 using Tag = xr::com::someip::serialization::Structure_tag;
-//% for name in service.references
+/*% for name in service.references %*/
 
 // A link to an element of another resource. Its members are mandatory and have no tags.
 struct ${name} {
@@ -44,19 +44,19 @@ struct ${name} {
     visitor(self.uuid);
   }
 };
-//% endfor
-//% for name, members in service.records.items()
+/*% endfor %*/
+/*% for name, members in service.records.items() %*/
 
 struct ${name} {
-//% for member in members
+/*% for member in members %*/
   qe::com::optional<${member.type}> ${member.member};
-//% endfor
+/*% endfor %*/
 
   static const std::array<Tag, ${members | length}>& get_tlv_tags() {
     static const std::array<Tag, ${members | length}> tags{
-//% for member in members
+/*% for member in members %*/
         Tag{Tag::Wire_type::${member.wire | wire}, ${member.id}},
-//% endfor
+/*% endfor %*/
     };
     return tags;
   }
@@ -75,11 +75,11 @@ struct ${name} {
  private:
   template <class Self, class Visitor>
   static void visit_members(Self& self, Visitor& visitor) {
-//% for member in members
+/*% for member in members %*/
     visitor(self.${member.member}, Tag{Tag::Wire_type::${member.wire | wire}, ${member.id}});
-//% endfor
+/*% endfor %*/
   }
 };
-//% endfor
+/*% endfor %*/
 
 }  // namespace ${service.namespace}::datatypes
