@@ -1,7 +1,7 @@
 #pragma once
 
-#include <concepts>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace qe::com {
@@ -37,11 +37,10 @@ class optional : public std::optional<T> {
     return left.has_value() == right.has_value() && (!left.has_value() || *left == *right);
   }
   friend bool operator==(const optional& left, std::nullopt_t) noexcept { return !left.has_value(); }
-  template <class U>
-  requires(!std::derived_from<U, std::optional<T>>) && requires(const T& value, const U& other) {
-    { value == other } -> std::convertible_to<bool>;
+  template <class U, std::enable_if_t<!std::is_base_of_v<std::optional<T>, U> && std::is_convertible_v<const U&, T>, int> = 0>
+  friend bool operator==(const optional& left, const U& right) {
+    return left.has_value() && *left == right;
   }
-  friend bool operator==(const optional& left, const U& right) { return left.has_value() && *left == right; }
 
  private:
   template <class Self>
