@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs the bridge with the simulated vehicle until Ctrl-C.
+#   HTTP_PORT=8080  DISCOVERY_PORT=30490  SCENARIO=default  SPEED=1
+set -euo pipefail
+cd "$(dirname "$0")"
+source tools/setup.sh
+
+http_port=${HTTP_PORT:-8080}
+discovery_port=${DISCOVERY_PORT:-30490}
+
+# A port is free if nothing listens on it.
+busy() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
+
+install_packages
+build release charging_management_core vehicle
+busy "$http_port" && fail "port $http_port is in use: stop the program that has it, or set HTTP_PORT"
+
+root=$PWD/.run
+etc=$root/opt/TROV__PLNT5_Sys_Adaptive_01/etc
+mkdir -p "$etc"
+sed "s/\"port\": 8080/\"port\": $http_port/g" config/charging_management_core_conf.json >"$etc/charging_management_core_conf.json"
+sed "s/\"port\": 30490/\"port\": $discovery_port/" config/someip_deployment.json >"$etc/someip_deployment.json"
+
+# The two streams go their own ways: the vehicle's lines are indented and marked.
+bridge=() vehicle=()
+stop() {
+  trap - INT TERM EXIT
+  [ -n "${bridge_pid:-}" ] && kill -TERM "$bridge_pid" 2>/dev/null && wait "$bridge_pid" 2>/dev/null
+  [ -n "${vehicle_pid:-}" ] && kill -TERM "$vehicle_pid" 2>/dev/null && wait "$vehicle_pid" 2>/dev/null
+  echo
+  echo "Both stopped."
+}
+trap 'stop; exit 0' INT TERM
+trap stop EXIT
+
+setsid build/release/bin/vehicle --deployment "$etc/someip_deployment.json" --scenario "${SCENARIO:-default}" --speed "${SPEED:-1}" </dev/null \
+  > >(sed -u 's/^/                        vehicle | /') 2>&1 &
+vehicle_pid=$!
+ARA_ROOT=$root ARA_LOG=console setsid build/release/bin/charging_management_core 2> >(sed -u 's/^/bridge | /') </dev/null &
+bridge_pid=$!
+
+for _ in $(seq 100); do
+  busy "$http_port" && break
+  kill -0 "$bridge_pid" 2>/dev/null || fail "the bridge ended before it listened: its lines above say why"
+  kill -0 "$vehicle_pid" 2>/dev/null || fail "the simulated vehicle ended: its lines above say why"
+  sleep 0.1
+done
+busy "$http_port" || fail "the bridge did not listen on port $http_port within 10 s"
+
+cat <<TEXT
+
+The bridge listens on http://127.0.0.1:$http_port; the simulated vehicle asks for the popup view now and then. Try, in another terminal:
+
+  curl -s http://127.0.0.1:$http_port/ChargingManagementCore/views
+  curl -s -H 'Content-Type: application/json' -d '{"visibility":"requestedViewVisible"}' \\
+    "http://127.0.0.1:$http_port\$(curl -s http://127.0.0.1:$http_port/ChargingManagementCore/views | grep -o '/ChargingManagementCore/views/[0-9a-f-]*' | head -n 1)"
+  /usr/bin/python3 -m websockets ws://127.0.0.1:$http_port/
+      and type  {"action":"subscribe","path":"/ChargingManagementCore/views","requestId":"1"}
+
+Ctrl-C stops both.
+
+TEXT
+wait "$bridge_pid"
