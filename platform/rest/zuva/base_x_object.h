@@ -96,8 +96,9 @@ class BaseXObject : public BaseType, public std::enable_shared_from_this<BaseXOb
   bool SetFieldNode(std::string_view name, ara::rest::Pointer<ogm::Value> value, bool force);
   void WriteLocked(std::string_view name, ara::rest::Pointer<ogm::Value> value);
   void SetIdentityLocked(std::string_view name, std::string text);
+  void CallPreChangeLocked(std::string_view name, const ogm::Value& value);
   void CallPostChangeLocked(std::string_view name);
-  void CommitLocked(const ogm::Object& fields);
+  void Commit(const ogm::Object& fields);
 
   std::atomic<std::uint64_t> version_{1};  // raised with the object locked
 

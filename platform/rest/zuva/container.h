@@ -56,6 +56,10 @@ class Container {
     }
     return nullptr;
   }
+  /// By the last segment of the URI; null if there is none.
+  std::shared_ptr<T> FindBySegment(std::string_view segment) const { return GetList()->Find(segment); }
+  /// The same without a lock unless the list changed. I/O thread only.
+  std::shared_ptr<T> FindBySegmentOnIo(std::string_view segment) const { return Current().Find(segment); }
   /// Grows with each change of the list. Read in a `ChangeSink`'s `Added` or `Removed`, it is the number of the list after that change.
   std::uint64_t GetGeneration() const noexcept { return generation_.load(std::memory_order_acquire); }
 
@@ -72,14 +76,13 @@ class Container {
     std::vector<Label> labels;  // as the items
     std::unordered_map<ara::rest::Uuid, std::size_t> byUuid;
 
-    /// Null if no object has this last segment.
-    const std::shared_ptr<T>* Find(std::string_view key) const {
+    std::shared_ptr<T> Find(std::string_view key) const {
       if (const auto uuid = ara::rest::Uuid::Parse(key)) {
         const auto found = byUuid.find(*uuid);
-        if (found != byUuid.end() && labels[found->second].Key() == key) return &(*items)[found->second];
+        if (found != byUuid.end() && labels[found->second].Key() == key) return (*items)[found->second];
       }
       for (std::size_t i = 0; i != labels.size(); ++i) {
-        if (labels[i].Key() == key) return &(*items)[i];
+        if (labels[i].Key() == key) return (*items)[i];
       }
       return nullptr;
     }

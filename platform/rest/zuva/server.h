@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "zuva/container.h"
 #include "zuva/frontend.h"
@@ -47,9 +48,9 @@ class Server : public XObjectEndpoint, public Container<ServerService> {
   virtual std::shared_ptr<BaseXObject> FindByUriRecursive(const std::string& uri) const;
 
   /// Walks the path. The destination's `matches` are views into it. Any thread.
-  Destination Find(std::string_view path);
+  Destination Find(std::string_view path) { return Walk(path, Reader::any); }
   /// The same without a lock unless a list changed. I/O thread only.
-  Destination FindOnIo(std::string_view path);
+  Destination FindOnIo(std::string_view path) { return Walk(path, Reader::ioThread); }
   /// Lets the destination answer, or answers 404 for none. Always answers: an exception is logged and becomes 500, a request that
   /// its callback refused in silence 400. GET and HEAD on the I/O thread only, everything else on any thread.
   static void Dispatch(const Destination& destination, const Request& request, ServerReply& reply);
@@ -62,6 +63,10 @@ class Server : public XObjectEndpoint, public Container<ServerService> {
   void OnIdentity(ServerReply& reply) override;
 
  private:
+  enum class Reader { any, ioThread };
+
+  Destination Walk(std::string_view path, Reader reader);
+
   std::shared_ptr<ChangeSink> sink_;
   std::shared_ptr<Frontend> frontend_;
   std::thread announcer_;

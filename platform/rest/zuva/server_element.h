@@ -22,7 +22,6 @@ class ServerElement : public XObjectEndpoint {
 
   XObjectType GetXObjectType() const noexcept override { return XObjectType::Element; }
   void OnPost(const Request& request, ServerReply& reply, const ara::rest::Matches& matches) override;
-  void OnDelete(const Request& request, ServerReply& reply, const ara::rest::Matches& matches) override;
   void OnQuery(const Query& query, ServerReply& reply) override;
   void OnUpdate(const ogm::Object& object, ServerReply& reply) override;
   virtual void OnDeleteFields(const ara::rest::Uri& uri, ServerReply& reply);

@@ -15,10 +15,10 @@ class ServerReply {
  public:
   /// An answer that is no document.
   struct Answer {
-    unsigned short code;     ///< HTTP status
-    std::string text;        ///< told to the client as the detail
-    bool internal = false;   ///< made by `SendInternalError`
-    std::string_view allow;  ///< methods offered at this path, with 405 only; a constant
+    unsigned short code = 0;      ///< HTTP status
+    std::string text = {};        ///< told to the client as the detail
+    bool internal = false;        ///< made by `SendInternalError`
+    std::string_view allow = {};  ///< methods offered at this path, with 405 only; a constant
   };
 
   ServerReply() = default;

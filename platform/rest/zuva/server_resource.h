@@ -43,10 +43,6 @@ class ServerResource : public XObjectEndpoint, public Container<ServerElement> {
   const std::shared_ptr<const Rendered>& Render();
   /// The array of those elements that the query takes, in the shape that it asks for. I/O thread only.
   std::shared_ptr<const Rendered> Render(const Query& query);
-  /// Null if there is no element with this last segment of a URI.
-  std::shared_ptr<ServerElement> FindElement(std::string_view key) const;
-  /// The same without a lock unless the list changed. I/O thread only.
-  std::shared_ptr<ServerElement> FindElementOnIo(std::string_view key) const;
 
  private:
   friend class ServerElement;

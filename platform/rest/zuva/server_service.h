@@ -28,8 +28,7 @@ class ServerService : public XObjectEndpoint, public Container<ServerResource> {
   Snapshot<ServerResource> GetResources() const { return Snapshot<ServerResource>{GetList()->items}; }
 
   void AddVersion(const std::string& version);
-  /// Announces the service, at these URIs as well as in this process. May take seconds if a registry is configured. Throws
-  /// `LogicException` if no server holds the service. Result: the service, or null after its server is gone.
+  /// Announces the service in this process, and at the server's registry at these URIs, which may take seconds. Result: the service.
   std::shared_ptr<ServerService> Register(const UriList& uris);
   /// Withdraws the announcement; may take as long.
   void Deregister();
@@ -50,18 +49,18 @@ class ServerService : public XObjectEndpoint, public Container<ServerResource> {
   ara::rest::Router GetRoutes() const override;
   void OnQuery(const Query& query, ServerReply& reply) override;
 
-  std::shared_ptr<ServerResource> FindResource(std::string_view key) const;
-  /// The same without a lock unless the list changed. I/O thread only.
-  std::shared_ptr<ServerResource> FindResourceOnIo(std::string_view key) const;
-
  private:
   friend class Server;
 
   void Attach(std::shared_ptr<ChangeSink> sink, std::weak_ptr<Frontend> frontend);
   std::shared_ptr<ServerService> Self();
-  /// Says that the service is announced, and leaves it to `FinishAnnouncing` to tell the registry.
-  void MarkAnnounced();
+  /// The two halves of the announcement at the server's start, the first at once, the second off the caller's thread.
+  void MarkAnnounced() noexcept { announced_.store(true, std::memory_order_release); }
   void FinishAnnouncing();
+  /// Deregisters for good: later announcements stay in this process.
+  void Detach();
+  void WithdrawLocked();
+  std::shared_ptr<Frontend> GetFrontend() const;
 
   mutable std::mutex attachMutex_;  // guards the two members below
   std::shared_ptr<ChangeSink> sink_;

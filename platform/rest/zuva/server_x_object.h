@@ -26,7 +26,8 @@ class ServerXObject : public BaseXObject {
   PreUpdateCallback GetPreUpdateCallback() const;
 
  protected:
-  /// Asks the pre-get callback, if there is one; false if the request ends here, answered.
+  bool HasPreUpdateCallback() const;
+  /// Asks the pre-get callback, if there is one; false if the request ends here.
   bool AskBeforeGet(ServerReply& reply);
 
  private:

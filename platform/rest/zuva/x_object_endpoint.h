@@ -40,8 +40,15 @@ class XObjectEndpoint : public ServerXObject {
   virtual bool IsIdentity(const Query& query, const ara::rest::Matches& matches) const;
   virtual bool IsSpecification(const Query& query, const ara::rest::Matches& matches) const;
 
+  /// What tells the object from others: `id`, `name`, `uri`, and as far as it has them `description` and `versions`.
+  ara::rest::Pointer<ogm::Object> IdentityTree() const;
   /// The methods offered here, as an `Allow` field tells them. Any thread.
   virtual std::string_view AllowedMethods() const { return kReadOnly; }
+
+ private:
+  // The specification's text and the document that it was made from. I/O thread only.
+  std::shared_ptr<const ogm::Object> renderedSpec_;
+  std::shared_ptr<const Rendered> specText_;
 };
 
 }  // namespace zuva

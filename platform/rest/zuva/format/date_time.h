@@ -18,7 +18,7 @@ class DateTime : public Value {
   void Set(std::uint16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute, std::uint8_t second,
            std::uint16_t milliseconds, std::string zone);
   /// Takes the other's date and keeps its own callback, which is told if the text changed.
-  DateTime& operator=(const DateTime&) = default;
+  DateTime& operator=(const DateTime& other);
   DateTime(const DateTime&) = default;
 
   std::uint16_t GetYear() const noexcept { return year_; }

@@ -21,7 +21,7 @@ class Value {
   Value() = default;
   /// A copy has the text, not the callback.
   Value(const Value& other) : text_{other.text_} {}
-  Value& operator=(const Value& other);
+  Value& operator=(const Value& other) = delete;
   void SetValue(std::string text);
 
  private:

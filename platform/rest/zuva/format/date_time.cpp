@@ -1,0 +1,56 @@
+#include "zuva/format/date_time.h"
+
+#include <array>
+#include <cstdio>
+#include <utility>
+
+#include "ara/rest/exceptions.h"
+
+namespace zuva::format {
+namespace {
+
+constexpr unsigned kFebruary = 2;
+
+unsigned DaysIn(unsigned month, unsigned year) {
+  constexpr std::array<unsigned char, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  return kDays[month - 1] + (month == kFebruary && leap ? 1U : 0U);
+}
+
+}  // namespace
+
+DateTime::DateTime(std::uint16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute, std::uint8_t second,
+                   std::uint16_t milliseconds, std::string zone) {
+  Set(year, month, day, hour, minute, second, milliseconds, std::move(zone));
+}
+
+void DateTime::Set(std::uint16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute, std::uint8_t second,
+                   std::uint16_t milliseconds, std::string zone) {
+  const bool exists = year <= 9999 && month >= 1 && month <= 12 && day >= 1 && day <= DaysIn(month, year) && hour <= 23 && minute <= 59 &&
+                      second <= 60 && milliseconds <= 999;
+  if (!exists) throw ara::rest::InvalidArgumentException{"date or time out of range"};
+  char text[64];
+  std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u", year, month, day, hour, minute, second);
+  std::string value = text;
+  if (milliseconds != 0) {
+    std::snprintf(text, sizeof text, ".%03u", milliseconds);
+    value += text;
+  }
+  value += zone;
+  year_ = year;
+  month_ = month;
+  day_ = day;
+  hour_ = hour;
+  minute_ = minute;
+  second_ = second;
+  milliseconds_ = milliseconds;
+  zone_ = std::move(zone);
+  SetValue(std::move(value));
+}
+
+DateTime& DateTime::operator=(const DateTime& other) {
+  Set(other.year_, other.month_, other.day_, other.hour_, other.minute_, other.second_, other.milliseconds_, other.zone_);
+  return *this;
+}
+
+}  // namespace zuva::format
