@@ -14,8 +14,7 @@ class Find_service_handle {
   Find_service_handle() = default;
   explicit Find_service_handle(std::shared_ptr<transport::Find> find) noexcept;
   Find_service_handle(Find_service_handle&&) noexcept = default;
-  Find_service_handle& operator=(Find_service_handle&&) noexcept;
-  ~Find_service_handle();
+  Find_service_handle& operator=(Find_service_handle&&) noexcept = default;
 
  private:
   std::shared_ptr<transport::Find> find_;

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "xr/com/transport/counted_warnings.h"
+#include "xr/com/transport/find.h"
+#include "xr/com/transport/find_thread.h"
+#include "xr/com/transport/known_instances.h"
+#include "xr/com/transport/sd_channel.h"
+#include "xr/com/transport/search.h"
+#include "xr/com/wire/deployment.h"
+
+namespace xr::com::transport {
+
+/// Hears what becomes of the instances. Called on the transport thread.
+class Instance_observer {
+ public:
+  virtual ~Instance_observer() = default;
+
+  virtual void instance_offered(Instance_key key, const Offer& offer, Known_instances::Change change) = 0;
+  virtual void instance_lost(Instance_key key) = 0;
+  virtual void subscription_answered(const wire::Sd_entry& ack, const wire::Endpoint& peer) = 0;
+  /// What a find hands to the application for one instance.
+  virtual std::shared_ptr<runtime::Port_source> port_source(Instance_key key, const Offer& offer) = 0;
+};
+
+/// The client role of service discovery: looks for services, keeps the list of offered instances and tells the finds of its changes.
+/// Belongs to the transport thread.
+class Discovery {
+ public:
+  Discovery(boost::asio::io_context& io, const wire::Deployment& deployment, Sd_channel& channel, Find_thread& find_thread,
+            Instance_observer& observer, Counted_warnings& warnings);
+
+  void start();
+  void stop();
+
+  void add_find(const std::weak_ptr<Find>& find);
+  const Offer* find_offer(Instance_key key) const { return known_.find(key); }
+
+ private:
+  void received(const wire::Sd_entry& entry, const wire::Endpoint& peer);
+  void offered(const wire::Sd_entry& entry, const wire::Endpoint& peer);
+  void withdrawn(const wire::Sd_entry& entry, const wire::Endpoint& peer);
+  void rebooted(const wire::Endpoint& peer);
+  void expired();
+  void watch_expiry();
+  void lost(Instance_key key, std::string_view reason);
+
+  void tell_finds(Instance_key key);
+  void tell(const std::shared_ptr<Find>& find);
+  void ask(const wire::Service_deployment& service);
+  bool is_sought(std::uint16_t service) const;
+  bool is_found(const Find& find) const;
+
+  const wire::Deployment& deployment_;
+  Sd_channel& channel_;
+  Find_thread& find_thread_;
+  Instance_observer& observer_;
+  Counted_warnings& warnings_;
+  Known_instances known_;
+  boost::asio::steady_timer expiry_;
+  std::vector<std::weak_ptr<Find>> finds_;
+  std::map<std::uint16_t, Search> searches_;  // by service id
+  bool stopped_ = false;
+};
+
+}  // namespace xr::com::transport

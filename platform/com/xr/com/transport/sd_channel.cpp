@@ -1,0 +1,81 @@
+#include "xr/com/transport/sd_channel.h"
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "xr/com/transport/instance_key.h"
+#include "xr/com/wire/sockets.h"
+
+namespace xr::com::transport {
+namespace {
+
+wire::Socket_handle opened(wire::Result<wire::Socket_handle> socket, const wire::Endpoint& endpoint, const wire::Deployment& deployment) {
+  if (socket) return std::move(*socket);
+  throw std::runtime_error{"Cannot open the discovery socket " + to_text(endpoint) + " of " + deployment.unicast.to_string() + ": " +
+                           socket.error().message()};
+}
+
+}  // namespace
+
+Sd_channel::Sd_channel(boost::asio::io_context& io, const wire::Deployment& deployment, Receive_buffer& buffer, Counted_warnings& warnings)
+    : group_{deployment.discovery.multicast, deployment.discovery.port, wire::Protocol::udp},
+      own_{deployment.unicast, deployment.discovery.port, wire::Protocol::udp},
+      warnings_{warnings} {
+  const auto reader = [&](wire::Socket_handle socket, wire::Direction direction) {
+    return std::make_shared<Datagram_reader>(
+        io, std::move(socket), buffer,
+        [this, direction](wire::Bytes datagram, const wire::Endpoint& sender) { received(direction, datagram, sender); });
+  };
+  group_reader_ =
+      reader(opened(wire::open_group_socket(group_.address, group_.port, own_.address), group_, deployment), wire::Direction::multicast);
+  unicast_reader_ = reader(opened(wire::open_discovery_socket(own_.address, own_.port), own_, deployment), wire::Direction::unicast);
+}
+
+void Sd_channel::start(Handlers handlers) {
+  handlers_ = std::move(handlers);
+  group_reader_->start();
+  unicast_reader_->start();
+}
+
+void Sd_channel::stop() {
+  group_reader_->stop();
+  unicast_reader_->stop();
+}
+
+void Sd_channel::send_to_group(std::vector<wire::Sd_entry> entries) {
+  send(group_, sessions_.next_multicast(), std::move(entries));
+}
+
+void Sd_channel::send_to(const wire::Endpoint& peer, std::vector<wire::Sd_entry> entries) {
+  send(peer, sessions_.next_unicast(peer), std::move(entries));
+}
+
+void Sd_channel::send(const wire::Endpoint& destination, wire::Session session, std::vector<wire::Sd_entry> entries) {
+  const auto datagram = wire::encode_sd({.session = session.id, .reboot = session.reboot, .unicast = true, .entries = std::move(entries)});
+  if (const auto error = wire::send_datagram(unicast_reader_->descriptor(), destination, datagram)) {
+    warnings_.warn(Fault::send_failed,
+                   [&](auto& line) { line << "Cannot send a discovery message to " << to_text(destination) << ": " << error.message(); });
+  }
+}
+
+void Sd_channel::received(wire::Direction direction, wire::Bytes datagram, const wire::Endpoint& sender) {
+  if (sender == own_) return;
+  const auto message = wire::decode_sd(datagram);
+  if (!message) {
+    warnings_.warn(Fault::malformed_discovery, [&](auto& line) {
+      line << "Dropped a discovery message from " << to_text(sender) << ": " << message.error().message();
+    });
+    return;
+  }
+  if (message->dropped_entries > 0) {
+    warnings_.warn(Fault::bad_entry, [&](auto& line) {
+      line << "Dropped " << message->dropped_entries << " discovery entries from " << to_text(sender)
+           << ": they refer to options that are not there";
+    });
+  }
+  if (reboots_.received(sender, direction, {message->session, message->reboot})) handlers_.rebooted(sender);
+  for (const auto& entry : message->entries) handlers_.entry(entry, sender);
+}
+
+}  // namespace xr::com::transport

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <random>
+
+#include "xr/com/wire/deployment.h"
+
+namespace xr::com::transport {
+
+/// When to ask for one service (AUTOSAR PRS_SOMEIPSD_00397 and following, client's phases): after a random initial delay, then again
+/// after delays that double, then no more.
+class Search_delays {
+ public:
+  using Milliseconds = std::chrono::milliseconds;
+
+  Search_delays(const wire::Discovery_deployment& settings, unsigned seed) : settings_{settings}, random_{seed} {}
+
+  /// Begins anew.
+  void reset() { sent_ = 0; }
+
+  /// The delay before the next find, or nothing when the last one has been sent.
+  std::optional<Milliseconds> next();
+
+ private:
+  wire::Discovery_deployment settings_;
+  std::minstd_rand random_;
+  unsigned sent_ = 0;
+};
+
+/// Sends the finds of one service as long as it is wanted and nobody offers it. Belongs to the transport thread.
+class Search {
+ public:
+  Search(boost::asio::io_context& io, const wire::Discovery_deployment& settings, std::function<void()> ask);
+
+  /// Begins with the initial delay, also if it runs already.
+  void start();
+  void stop();
+
+ private:
+  void wait();
+
+  boost::asio::steady_timer timer_;
+  Search_delays delays_;
+  std::function<void()> ask_;
+  unsigned run_ = 0;  // tells the expiries of an earlier run from those of this one
+};
+
+}  // namespace xr::com::transport

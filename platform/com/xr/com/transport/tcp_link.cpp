@@ -1,0 +1,211 @@
+#include "xr/com/transport/tcp_link.h"
+
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+#include <algorithm>
+#include <array>
+#include <boost/asio/post.hpp>
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "xr/com/transport/instance_key.h"
+
+namespace xr::com::transport {
+namespace {
+
+namespace asio = boost::asio;
+using namespace std::chrono_literals;
+
+constexpr auto kFirstDelay = 100ms;
+constexpr auto kLongestDelay = 2000ms;
+constexpr auto kConnectTime = 2000ms;
+/// A connection that stood so long had no trouble: the next break is answered at the first delay again.
+constexpr auto kGoodTime = 2000ms;
+constexpr int kReadsPerTurn = 16;
+
+boost::system::error_code last_error() {
+  return {errno, boost::system::system_category()};
+}
+
+/// Sends what the socket takes now; an error only if the connection is of no use any more.
+boost::system::result<std::size_t> send_now(int descriptor, wire::Bytes front, wire::Bytes rest) {
+  // sendmsg takes pointers to non-const data, which it only reads.
+  std::array<iovec, 2> parts{
+      {{const_cast<unsigned char*>(front.data()), front.size()}, {const_cast<unsigned char*>(rest.data()), rest.size()}}};
+  msghdr message{};
+  message.msg_iov = parts.data();
+  message.msg_iovlen = parts.size();
+  for (;;) {
+    const auto sent = ::sendmsg(descriptor, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (sent >= 0) return static_cast<std::size_t>(sent);
+    if (errno == EAGAIN || errno == EWOULDBLOCK) return std::size_t{0};
+    if (errno != EINTR) return last_error();
+  }
+}
+
+}  // namespace
+
+Tcp_link::Tcp_link(asio::io_context& io, asio::ip::address_v4 local, Counted_warnings& warnings, Handlers handlers)
+    : io_{io}, local_{local}, warnings_{warnings}, handlers_{std::move(handlers)}, socket_{io}, timer_{io} {}
+
+void Tcp_link::open(const wire::Endpoint& remote) {
+  close();
+  remote_ = remote;
+  delay_ = kFirstDelay;
+  connect();
+}
+
+void Tcp_link::close() {
+  remote_.reset();
+  disconnect();
+}
+
+void Tcp_link::connect() {
+  const auto attempt = ++attempt_;
+  boost::system::error_code error;
+  socket_.open(asio::ip::tcp::v4(), error);
+  if (!error) socket_.bind({local_, 0}, error);
+  if (error) return failed(error.message());
+  socket_.set_option(asio::ip::tcp::no_delay{true}, error);  // without it the connection is only slower
+  socket_.async_connect({remote_->address, remote_->port}, [this, attempt](boost::system::error_code result) {
+    if (attempt == attempt_) connected(result);
+  });
+  timer_.expires_after(kConnectTime);
+  timer_.async_wait([this, attempt](boost::system::error_code result) {
+    if (!result && attempt == attempt_ && !up_since_) failed("no answer");
+  });
+}
+
+void Tcp_link::connected(boost::system::error_code error) {
+  asio::ip::tcp::endpoint local;
+  if (!error) local = socket_.local_endpoint(error);
+  if (error) return failed(error.message());
+  timer_.cancel();
+  up_since_ = Clock::now();
+  stream_.clear();
+  {
+    const std::lock_guard lock{mutex_};
+    descriptor_ = socket_.native_handle();
+  }
+  wait_readable();
+  handlers_.up({local.address().to_v4(), local.port(), wire::Protocol::tcp});
+}
+
+void Tcp_link::wait_readable() {
+  socket_.async_wait(Socket::wait_read, [this, attempt = attempt_](boost::system::error_code error) {
+    if (!error && attempt == attempt_) read();
+  });
+}
+
+void Tcp_link::read() {
+  const auto attempt = attempt_;
+  for (int i = 0; i < kReadsPerTurn; ++i) {
+    const auto space = stream_.space();
+    const auto received = ::recv(socket_.native_handle(), space.data(), space.size(), MSG_DONTWAIT);
+    if (received == 0) return failed("closed by the peer");
+    if (received < 0 && errno == EINTR) continue;
+    if (received < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
+    if (received < 0) return failed(last_error().message());
+    stream_.filled(static_cast<std::size_t>(received));
+    if (!take_messages()) return;
+    if (static_cast<std::size_t>(received) < space.size()) break;  // the socket is empty, most likely
+  }
+  if (attempt == attempt_) wait_readable();
+}
+
+/// False if the connection has ended meanwhile.
+bool Tcp_link::take_messages() {
+  const auto attempt = attempt_;
+  for (;;) {
+    const auto message = stream_.next();
+    if (message) {
+      handlers_.message(*message);
+      if (attempt != attempt_) return false;
+    } else if (message.error() == wire::Error::cut_off) {
+      return true;
+    } else {
+      warnings_.warn(Fault::broken_stream, [&](auto& line) {
+        line << "Closed the connection to " << to_text(*remote_) << ": a message has " << message.error().message();
+      });
+      failed("unusable bytes");
+      return false;
+    }
+  }
+}
+
+/// Ends the attempt or the connection and plans the next one.
+void Tcp_link::failed(std::string_view reason) {
+  if (up_since_ && Clock::now() - *up_since_ >= kGoodTime) delay_ = kFirstDelay;
+  const auto delay = std::exchange(delay_, std::min<std::chrono::milliseconds>(2 * delay_, kLongestDelay));
+  warnings_.warn(Fault::connection, [&](auto& line) {
+    line << "No connection to " << to_text(*remote_) << ": " << reason << "; the next attempt is in " << delay.count() << " ms";
+  });
+  disconnect();
+  timer_.expires_after(delay);
+  timer_.async_wait([this, attempt = attempt_](boost::system::error_code error) {
+    if (!error && attempt == attempt_) connect();
+  });
+}
+
+void Tcp_link::disconnect() {
+  ++attempt_;
+  timer_.cancel();
+  {
+    const std::lock_guard lock{mutex_};
+    descriptor_ = -1;
+    queued_.clear();
+    flushing_ = false;
+  }
+  boost::system::error_code ignored;  // the descriptor is gone in any case
+  socket_.close(ignored);
+  if (std::exchange(up_since_, std::nullopt)) handlers_.down();
+}
+
+boost::system::error_code Tcp_link::send(wire::Bytes front, wire::Bytes rest) {
+  const std::lock_guard lock{mutex_};
+  if (descriptor_ < 0) return boost::asio::error::not_connected;
+  const auto size = front.size() + rest.size();
+  std::size_t sent = 0;
+  if (queued_.empty()) {
+    const auto result = send_now(descriptor_, front, rest);
+    if (!result) return result.error();
+    sent = *result;
+    if (sent == size) return {};
+  } else if (queued_.size() + size > kMaximumQueued) {
+    return boost::asio::error::no_buffer_space;
+  }
+  // A message that has begun must be finished, whatever the bound says.
+  const auto append = [&](wire::Bytes bytes, std::size_t skip) {
+    if (skip < bytes.size()) queued_.insert(queued_.end(), bytes.begin() + static_cast<std::ptrdiff_t>(skip), bytes.end());
+  };
+  append(front, sent);
+  append(rest, sent > front.size() ? sent - front.size() : 0);
+  if (!std::exchange(flushing_, true)) asio::post(io_, [this] { wait_writable(); });
+  return {};
+}
+
+void Tcp_link::wait_writable() {
+  if (!up_since_) return;
+  socket_.async_wait(Socket::wait_write, [this, attempt = attempt_](boost::system::error_code error) {
+    if (!error && attempt == attempt_) flush();
+  });
+}
+
+void Tcp_link::flush() {
+  {
+    const std::lock_guard lock{mutex_};
+    const auto sent = send_now(descriptor_, queued_, {});
+    if (sent) {
+      queued_.erase(queued_.begin(), queued_.begin() + static_cast<std::ptrdiff_t>(*sent));
+      flushing_ = !queued_.empty();
+      if (!flushing_) return;
+    }
+    // An error is seen by the reader as well, which ends the connection.
+    if (!sent) return;
+  }
+  wait_writable();
+}
+
+}  // namespace xr::com::transport

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "xr/com/transport/counted_warnings.h"
+#include "xr/com/wire/message_stream.h"
+#include "xr/com/wire/sd_message.h"
+
+namespace xr::com::transport {
+
+/// The TCP connection to one service instance. As long as it is open it is made, and made again when it breaks: after 100 ms, then
+/// after times that double up to 2 s. Everything but `send` belongs to the transport thread.
+class Tcp_link {
+ public:
+  struct Handlers {
+    std::function<void(const wire::Endpoint& local)> up;
+    std::function<void()> down;  ///< once after each `up`
+    std::function<void(const wire::Message& message)> message;
+  };
+
+  /// At most so many bytes wait for a slow peer; a message beyond that is refused.
+  static constexpr std::size_t kMaximumQueued = 1 << 20;
+
+  Tcp_link(boost::asio::io_context& io, boost::asio::ip::address_v4 local, Counted_warnings& warnings, Handlers handlers);
+
+  /// Connects to `remote`, in place of any other. A connection that stands ends, with its `down`.
+  void open(const wire::Endpoint& remote);
+  void close();
+
+  /// Sends a message from the caller's thread as far as the socket takes it; the rest is queued. Any thread.
+  boost::system::error_code send(wire::Bytes front, wire::Bytes rest);
+
+ private:
+  using Socket = boost::asio::ip::tcp::socket;
+  using Clock = std::chrono::steady_clock;
+
+  void connect();
+  void connected(boost::system::error_code error);
+  void wait_readable();
+  void read();
+  bool take_messages();
+  void failed(std::string_view reason);
+  void disconnect();
+  void wait_writable();
+  void flush();
+
+  boost::asio::io_context& io_;
+  const boost::asio::ip::address_v4 local_;
+  Counted_warnings& warnings_;
+  const Handlers handlers_;
+  Socket socket_;
+  boost::asio::steady_timer timer_;  // ends an attempt that takes too long, or begins the next one
+  std::optional<wire::Endpoint> remote_;
+  std::chrono::milliseconds delay_{};
+  std::optional<Clock::time_point> up_since_;
+  std::uint64_t attempt_ = 0;  // tells the handlers of an earlier socket from those of this one
+  wire::Message_stream stream_;
+
+  std::mutex mutex_;     // guards the three below, and the descriptor against being closed while another thread sends
+  int descriptor_ = -1;  // of a connection that stands
+  std::vector<unsigned char> queued_;
+  bool flushing_ = false;
+};
+
+}  // namespace xr::com::transport

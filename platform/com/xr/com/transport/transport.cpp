@@ -1,0 +1,155 @@
+#include "xr/com/transport/transport.h"
+
+#include <algorithm>
+#include <boost/asio/post.hpp>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "xr/com/exceptions.h"
+#include "xr/com/transport/named_thread.h"
+
+namespace xr::com::transport {
+namespace {
+
+/// The way from a found instance back to the transport, with the place where the instance was then.
+class Found_instance final : public runtime::Port_source {
+ public:
+  Found_instance(std::weak_ptr<Transport> transport, Instance_key key, Offer offer)
+      : transport_{std::move(transport)}, key_{key}, offer_{std::move(offer)} {}
+
+  std::shared_ptr<cpp_binding::proxy::Client_port> open(const connector::Service_interface_description& description) override {
+    const auto transport = transport_.lock();
+    if (!transport) throw Service_not_available_exception{};
+    return transport->open_port(key_, offer_, description);
+  }
+
+ private:
+  const std::weak_ptr<Transport> transport_;
+  const Instance_key key_;
+  const Offer offer_;
+};
+
+/// The proxy addresses fields by index, so both sides must count the same fields.
+void check(const connector::Service_interface_description& description, const wire::Service_deployment& service) {
+  const auto named = [](const auto& name, const wire::Field_deployment& field) { return name == field.name; };
+  const auto can_be_set = [&](std::string_view name) {
+    const auto* field = service.find_field(name);
+    return field != nullptr && field->set.has_value();
+  };
+  if (description.service != service.name ||
+      !std::equal(description.fields.begin(), description.fields.end(), service.fields.begin(), service.fields.end(), named) ||
+      !std::all_of(description.settable.begin(), description.settable.end(), can_be_set)) {
+    throw Invalid_argument_exception{"The description of " + std::string{description.service} + " does not agree with the deployment"};
+  }
+}
+
+/// "*" is any instance, else "0x" and up to four hexadecimal digits.
+std::optional<std::uint16_t> parse_instance(const std::string& text) {
+  if (text == "*") return std::nullopt;
+  constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+  if (!text.starts_with("0x") || text.size() < 3 || text.size() > 6 || text.find_first_not_of(kDigits, 2) != std::string::npos) {
+    throw Invalid_argument_exception{"No instance is called " + text};
+  }
+  return static_cast<std::uint16_t>(std::stoul(text, nullptr, 16));
+}
+
+}  // namespace
+
+Transport::Transport(wire::Deployment deployment, std::shared_ptr<Find_thread> find_thread)
+    : deployment_{std::move(deployment)},
+      find_thread_{std::move(find_thread)},
+      work_{io_.get_executor()},
+      buffer_(wire::kMaximumMessage),
+      channel_{io_, deployment_, buffer_, warnings_},
+      discovery_{io_, deployment_, channel_, *find_thread_, *this, warnings_} {}
+
+Transport::~Transport() {
+  stop();
+}
+
+void Transport::start() {
+  boost::asio::post(io_, [this] { discovery_.start(); });
+  thread_ = start_thread("xr_transport", [this] { run(); });
+}
+
+void Transport::run() {
+  for (;;) {
+    try {
+      io_.run();
+      return;
+    } catch (const std::exception& e) {  // out of a completion or a sink; the other calls and events go on
+      cpp_binding::logger().LogError() << "A handler on the transport thread threw: " << e;
+    }
+  }
+}
+
+void Transport::stop() {
+  if (!thread_.joinable()) return;
+  {
+    const std::lock_guard lock{mutex_};
+    stopped_ = true;
+  }
+  boost::asio::post(io_, [this] {
+    for (const auto& [key, port] : attached_) port->stop();
+    discovery_.stop();
+    work_.reset();
+  });
+  thread_.join();
+  attached_.clear();
+  ports_.clear();  // which end the circle of ports and transport; no other thread opens ports any more
+}
+
+cpp_binding::Find_service_handle Transport::start_find(const std::string& service, const std::string& instance, Find::Handler handler) {
+  const auto* deployed = deployment_.find_service(service);
+  if (deployed == nullptr) throw Invalid_argument_exception{"The deployment names no service " + service};
+  auto find = std::make_shared<Find>(service, deployed->service_id, parse_instance(instance), std::move(handler));
+  boost::asio::post(io_, [weak_transport = weak_from_this(), weak_find = std::weak_ptr{find}] {
+    if (const auto self = weak_transport.lock()) self->discovery_.add_find(weak_find);
+  });
+  return cpp_binding::Find_service_handle{std::move(find)};
+}
+
+std::shared_ptr<Service_port> Transport::open_port(Instance_key key, const Offer& offer,
+                                                   const connector::Service_interface_description& description) {
+  const auto& service = *deployment_.find_service(key.service);
+  check(description, service);
+  const std::lock_guard lock{mutex_};
+  if (stopped_) throw Service_not_available_exception{};
+  auto& port = ports_[key];
+  if (!port) {
+    port = std::make_shared<Service_port>(shared_from_this(), Port_environment{io_, deployment_, channel_, buffer_, warnings_}, service,
+                                          key, offer);
+    boost::asio::post(io_, [this, port, key] { attach(port, key); });
+  }
+  return port;
+}
+
+void Transport::attach(const std::shared_ptr<Service_port>& port, Instance_key key) {
+  attached_.emplace(key, port);
+  port->start();
+  if (const auto* offer = discovery_.find_offer(key)) {
+    port->offered(*offer);
+  } else {
+    port->lost();
+  }
+}
+
+void Transport::instance_offered(Instance_key key, const Offer& offer, Known_instances::Change) {
+  if (const auto port = attached_.find(key); port != attached_.end()) port->second->offered(offer);
+}
+
+void Transport::instance_lost(Instance_key key) {
+  if (const auto port = attached_.find(key); port != attached_.end()) port->second->lost();
+}
+
+void Transport::subscription_answered(const wire::Sd_entry& ack, const wire::Endpoint& peer) {
+  const auto port = attached_.find({ack.service, ack.instance});
+  if (port != attached_.end()) port->second->subscription_answered(ack, peer);
+}
+
+std::shared_ptr<runtime::Port_source> Transport::port_source(Instance_key key, const Offer& offer) {
+  return std::make_shared<Found_instance>(weak_from_this(), key, offer);
+}
+
+}  // namespace xr::com::transport
