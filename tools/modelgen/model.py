@@ -59,8 +59,12 @@ class File:
                 self.refuse(place, f"{what} {value} given twice")
 
     def _object(self, pairs):
-        self.unique(pairs[0][0] if pairs else "", [key for key, _ in pairs], "key")
-        return dict(pairs)
+        result = {}
+        for key, value in pairs:
+            if key in result:
+                self.refuse(key, "key given twice")
+            result[key] = value
+        return result
 
 
 class Service:

@@ -1,0 +1,18 @@
+#include "binding/generated/${service.snake}_proxy.h"
+
+/*% for field in service.fields %*/
+template class ara::com::internal::proxy::Field<${service.namespace}::${service.name}::${field.field}>;
+/*% endfor %*/
+
+namespace ${service.namespace}::proxy {
+
+${service.name}Proxy::${service.name}Proxy(const Handle_type& handle)
+    : impl_{handle}
+/*% for field in service.fields %*/
+      , ${field.field}{impl_.instance(), impl_.rport()}
+/*% endfor %*/
+{}
+
+${service.name}Proxy::~${service.name}Proxy() = default;
+
+}  // namespace ${service.namespace}::proxy
