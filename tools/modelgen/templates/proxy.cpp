@@ -7,9 +7,9 @@ template class ara::com::internal::proxy::Field<${service.namespace}::${service.
 namespace ${service.namespace}::proxy {
 
 ${service.name}Proxy::${service.name}Proxy(const Handle_type& handle)
-    : impl_{handle}
+    : Proxy{{${service.name}::kName, ${service.name}::kSerialization}, handle.service_instance(), ${service.name}::kDescription}
 /*% for field in service.fields %*/
-      , ${field.field}{impl_.instance(), impl_.rport()}
+      , ${field.field}{instance(), rport()}
 /*% endfor %*/
 {}
 

@@ -46,11 +46,9 @@ class ${service.name} {
     struct Get {
       static std::exception_ptr GetApplicationErrorExceptionPtr(unsigned char, const std::vector<unsigned char>&) { return {}; }
     };
-/*% if field.settable %*/
     struct Set {
       static std::exception_ptr GetApplicationErrorExceptionPtr(unsigned char, const std::vector<unsigned char>&) { return {}; }
     };
-/*% endif %*/
     struct Notify {};
   };
 /*% endfor %*/
@@ -58,19 +56,14 @@ class ${service.name} {
 
 namespace proxy {
 
-/// The client's side of one instance of the service.
-class ${service.name}Proxy : public ara::com::internal::proxy::Proxy {
+/// The client's side of one instance of the service, as discovery found it.
+class ${service.name}Proxy final : public ara::com::internal::proxy::Proxy {
  public:
-  using Impl = xr::com::cpp_binding::proxy::Proxy_impl<${service.name}>;
-  using Handle_type = Impl::Handle_type;
+  using Handle_type = xr::com::cpp_binding::proxy::Proxy_impl<${service.name}>::Handle_type;
 
   explicit ${service.name}Proxy(const Handle_type& handle);
-  ~${service.name}Proxy() override;
+  ~${service.name}Proxy();
 
- private:
-  Impl impl_;  // before the fields, which are built on its port
-
- public:
 /*% for field in service.fields %*/
   ara::com::internal::proxy::Field<${service.name}::${field.field}> ${field.field};
 /*% endfor %*/
