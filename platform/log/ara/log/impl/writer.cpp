@@ -71,14 +71,16 @@ void Writer::RestAfter(bool wrote) {
 
 bool Writer::WriteOut() noexcept {
   const std::lock_guard lock{sinkMutex_};
+  WriteEarlyLocked();
+  // In this order: what is in the ring up to `end` was there before the loss, so it is written before the warning.
+  const std::size_t lost = lost_.exchange(0, std::memory_order_seq_cst);
   const std::uint64_t end = ring_.Reserved();
   bool wrote = false;
-  WriteEarlyLocked();
   for (Record record; ring_.Popped() < end && ring_.Front(record) && !abandoned_.load(std::memory_order_relaxed); ring_.Pop()) {
     WriteLocked(record);
     wrote = true;
   }
-  WarnOfLossLocked();
+  WarnOfLossLocked(lost);
   lost_.fetch_add(sink_->Flush(), std::memory_order_relaxed);
   {
     const std::lock_guard progressLock{progressMutex_};
@@ -90,15 +92,13 @@ bool Writer::WriteOut() noexcept {
 }
 
 void Writer::WriteEarlyLocked() noexcept {
-  lost_.fetch_add(std::exchange(early_.dropped, 0), std::memory_order_relaxed);
   if (early_.records.empty()) return;
-  WarnOfLossLocked();  // first, since the dropped ones were the oldest
+  WarnOfLossLocked(std::exchange(early_.dropped, 0));  // first, since the dropped ones were the oldest
   for (const auto& [record, text] : early_.records) WriteLocked({record.time, record.level, record.logger, text});
   early_.records.clear();
 }
 
-void Writer::WarnOfLossLocked() noexcept {
-  const std::size_t lost = lost_.exchange(0, std::memory_order_relaxed);
+void Writer::WarnOfLossLocked(std::size_t lost) noexcept {
   if (lost == 0 || !self_.IsLogEnabled(LogLevel::kWarn)) return;
   char text[64];
   const int length = std::snprintf(text, sizeof text, "%zu log records lost", lost);

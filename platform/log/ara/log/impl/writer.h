@@ -44,7 +44,7 @@ class Writer {
   void Wake() noexcept;
   bool WriteOut() noexcept;
   void WriteEarlyLocked() noexcept;
-  void WarnOfLossLocked() noexcept;
+  void WarnOfLossLocked(std::size_t lost) noexcept;
   void WriteLocked(const Record& record) noexcept;
   void StopOnce() noexcept;
 
