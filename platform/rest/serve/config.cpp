@@ -1,0 +1,179 @@
+#include "serve/config.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <set>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+#include <boost/asio/ip/address.hpp>
+#include <nlohmann/json.hpp>
+
+#include "serve/text.h"
+
+namespace zuva::serve {
+namespace {
+
+using nlohmann::json;
+
+[[noreturn]] void Refuse(const std::string& key, const std::string& reason) {
+  throw ConfigError{key + ": " + reason};
+}
+
+/// Walks the members of an object: each must be one of the known keys.
+using Readers = std::vector<std::pair<std::string_view, std::function<void(const std::string& key, const json& value)>>>;
+
+void ReadObject(const std::string& where, const json& object, const Readers& readers) {
+  if (!object.is_object()) Refuse(where.empty() ? "the file" : where, "must be an object");
+  for (const auto& [name, value] : object.items()) {
+    const std::string key = where.empty() ? name : where + "." + name;
+    const auto known = std::find_if(readers.begin(), readers.end(), [&name = name](const auto& reader) { return reader.first == name; });
+    if (known == readers.end()) Refuse(key, "unknown key");
+    known->second(key, value);
+  }
+}
+
+std::size_t Number(const std::string& key, const json& value, std::size_t minimum, std::size_t maximum) {
+  if (value.is_number_unsigned()) {
+    const auto number = value.get<std::uint64_t>();
+    if (number >= minimum && number <= maximum) return static_cast<std::size_t>(number);
+  }
+  Refuse(key, "must be a whole number from " + std::to_string(minimum) + " to " + std::to_string(maximum));
+}
+
+std::string Text(const std::string& key, const json& value) {
+  if (!value.is_string() || value.get_ref<const std::string&>().empty()) Refuse(key, "must be a text");
+  return value.get<std::string>();
+}
+
+template <class Read>
+void ReadArray(const std::string& key, const json& value, Read&& read) {
+  if (!value.is_array()) Refuse(key, "must be an array");
+  for (std::size_t i = 0; i < value.size(); ++i) read(key + "[" + std::to_string(i) + "]", value[i]);
+}
+
+ListenAddress ReadListenAddress(const std::string& key, const json& value) {
+  ListenAddress result;
+  bool hasPort = false;
+  ReadObject(key, value,
+             {{"address",
+               [&](const std::string& k, const json& v) {
+                 result.address = Text(k, v);
+                 boost::system::error_code error;
+                 boost::asio::ip::make_address(result.address, error);
+                 if (error) Refuse(k, "is no IP address: " + result.address);
+               }},
+              {"port", [&](const std::string& k, const json& v) {
+                 result.port = static_cast<std::uint16_t>(Number(k, v, 0, std::numeric_limits<std::uint16_t>::max()));
+                 hasPort = true;
+               }}});
+  if (result.address.empty()) Refuse(key + ".address", "is missing");
+  if (!hasPort) Refuse(key + ".port", "is missing");
+  return result;
+}
+
+struct LimitRow {
+  std::string_view name;
+  std::size_t Limits::*member;
+  std::size_t minimum, maximum;
+};
+constexpr std::size_t kDay = 86400;
+constexpr std::size_t kMega = std::size_t{1} << 20U;
+constexpr std::array<LimitRow, 8> kLimits{{
+    {"connections", &Limits::connections, 1, 65536},
+    {"bodyBytes", &Limits::bodyBytes, 1, 64 * kMega},
+    {"headerBytes", &Limits::headerBytes, 64, kMega},
+    {"idleSeconds", &Limits::idleSeconds, 1, kDay},
+    {"requestSeconds", &Limits::requestSeconds, 1, kDay},
+    {"queuedRequests", &Limits::queuedRequests, 0, 65536},
+    {"pendingBytesPerClient", &Limits::pendingBytesPerClient, 1, 1024 * kMega},
+    {"subscriptionsPerClient", &Limits::subscriptionsPerClient, 0, 65536},
+}};
+
+Limits ReadLimits(const std::string& key, const json& value) {
+  Limits limits;
+  Readers readers;
+  for (const auto& row : kLimits) {
+    readers.emplace_back(
+        row.name, [&limits, &row](const std::string& k, const json& v) { limits.*row.member = Number(k, v, row.minimum, row.maximum); });
+  }
+  ReadObject(key, value, readers);
+  return limits;
+}
+
+std::string ReadOrigin(const std::string& key, const json& value) {
+  std::string origin = LowerCase(Text(key, value));
+  const auto scheme = origin.find("://");
+  if (scheme == 0 || scheme == std::string::npos || origin.find('/', scheme + 3) != std::string::npos || scheme + 3 == origin.size()) {
+    Refuse(key, "must read scheme://host or scheme://host:port");
+  }
+  return origin;
+}
+
+void RefuseUnbuilt(const std::string& key, const json&) {
+  Refuse(key, "is not supported yet");
+}
+
+/// Parses and refuses repeated keys, which the parser itself lets pass.
+json ParseStrict(std::string_view text) {
+  std::vector<std::set<std::string>> open;
+  const auto check = [&open](int, json::parse_event_t event, json& parsed) {
+    if (event == json::parse_event_t::object_start) open.emplace_back();
+    if (event == json::parse_event_t::object_end) open.pop_back();
+    if (event == json::parse_event_t::key && !open.back().insert(parsed.get<std::string>()).second) {
+      Refuse(parsed.get<std::string>(), "is given twice");
+    }
+    return true;
+  };
+  try {
+    return json::parse(text, check);
+  } catch (const json::exception& e) {
+    throw ConfigError{e.what()};
+  }
+}
+
+}  // namespace
+
+Config ParseConfig(std::string_view text) {
+  Config config;
+  const auto allowed = [](std::vector<std::string>& list, auto read) {
+    return [&list, read](const std::string& key, const json& value) {
+      ReadArray(key, value, [&](const std::string& k, const json& v) { list.push_back(read(k, v)); });
+    };
+  };
+  ReadObject("", ParseStrict(text),
+             {{"listen",
+               [&](const std::string& key, const json& value) {
+                 ReadArray(key, value, [&](const std::string& k, const json& v) { config.listen.push_back(ReadListenAddress(k, v)); });
+                 if (config.listen.empty()) Refuse(key, "must not be empty");
+               }},
+              {"requestThreads", [&](const std::string& key, const json& value) { config.requestThreads = Number(key, value, 1, 256); }},
+              {"limits", [&](const std::string& key, const json& value) { config.limits = ReadLimits(key, value); }},
+              {"allowedOrigins", allowed(config.allowedOrigins, ReadOrigin)},
+              {"allowedHosts", allowed(config.allowedHosts, [](const std::string& k, const json& v) { return LowerCase(Text(k, v)); })},
+              {"tls", RefuseUnbuilt},
+              {"tokens", RefuseUnbuilt},
+              {"registry", RefuseUnbuilt},
+              {"documentRoot", RefuseUnbuilt}});
+  if (config.listen.empty()) Refuse("listen", "is missing");
+  return config;
+}
+
+Config ReadConfig(const std::string& path) {
+  const char* root = std::getenv("ARA_ROOT");
+  const std::string place = (root == nullptr ? std::string{} : std::string{root}) + path;
+  std::ifstream file{place, std::ios::binary};
+  if (!file) throw ConfigError{"cannot be opened: " + std::generic_category().message(errno)};
+  std::ostringstream text;
+  text << file.rdbuf();
+  if (!file) throw ConfigError{"cannot be read"};
+  return ParseConfig(text.str());
+}
+
+}  // namespace zuva::serve

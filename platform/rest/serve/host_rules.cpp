@@ -1,0 +1,77 @@
+#include "serve/host_rules.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "serve/text.h"
+
+namespace zuva::serve {
+namespace {
+
+namespace ip = boost::asio::ip;
+
+/// host[:port] taken apart; the host of a literal IPv6 address without its brackets.
+struct Authority {
+  std::string host;
+  std::string_view port = "80";  // what `http` stands for
+};
+
+std::optional<Authority> Split(std::string_view text) {
+  Authority result;
+  std::string_view rest;
+  if (text.starts_with('[')) {
+    const auto end = text.find(']');
+    if (end == std::string_view::npos) return std::nullopt;
+    result.host = LowerCase(text.substr(1, end - 1));
+    rest = text.substr(end + 1);
+  } else {
+    const auto end = std::min(text.find(':'), text.size());
+    result.host = LowerCase(text.substr(0, end));
+    rest = text.substr(end);
+  }
+  if (result.host.empty()) return std::nullopt;
+  if (rest.empty()) return result;
+  if (rest.front() != ':' || rest.size() > 6) return std::nullopt;
+  rest.remove_prefix(1);
+  if (!std::all_of(rest.begin(), rest.end(), [](char c) { return c >= '0' && c <= '9'; })) return std::nullopt;
+  if (!rest.empty()) result.port = rest;
+  return result;
+}
+
+/// An IPv4 client of an IPv6 socket has an address that only looks like IPv6.
+ip::address Plain(const ip::address& address) {
+  if (address.is_v6() && address.to_v6().is_v4_mapped()) return ip::make_address_v4(ip::v4_mapped, address.to_v6());
+  return address;
+}
+
+}  // namespace
+
+HostRules::HostRules(const Config& config) : origins_{config.allowedOrigins}, hosts_{config.allowedHosts} {
+  for (const auto& listen : config.listen) addresses_.push_back(ip::make_address(listen.address));
+  allHosts_ = std::find(hosts_.begin(), hosts_.end(), "*") != hosts_.end();
+}
+
+bool HostRules::AllowsHost(std::string_view host, const ip::address& local) const {
+  const auto authority = Split(host);
+  if (!authority) return false;
+  if (allHosts_ || authority->host == "localhost") return true;
+  if (std::find(hosts_.begin(), hosts_.end(), authority->host) != hosts_.end()) return true;
+  boost::system::error_code error;
+  const auto address = ip::make_address(authority->host, error);
+  if (error) return false;
+  return address == Plain(local) || std::find(addresses_.begin(), addresses_.end(), address) != addresses_.end();
+}
+
+bool HostRules::IsListed(std::string_view origin) const {
+  return std::any_of(origins_.begin(), origins_.end(), [&](const std::string& listed) { return EqualsIgnoringCase(origin, listed); });
+}
+
+bool HostRules::IsSameOrigin(std::string_view origin, std::string_view host) {
+  constexpr std::string_view kScheme = "http://";
+  if (!EqualsIgnoringCase(origin.substr(0, kScheme.size()), kScheme)) return false;
+  const auto page = Split(origin.substr(kScheme.size()));
+  const auto server = Split(host);
+  return page && server && page->host == server->host && page->port == server->port;
+}
+
+}  // namespace zuva::serve

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <boost/asio/ip/address.hpp>
+
+#include "serve/config.h"
+
+namespace zuva::serve {
+
+/// Who may speak to this server under which name. Browsers are kept from reaching it through a foreign name (rebinding) or from a
+/// foreign page. Any thread.
+class HostRules {
+ public:
+  explicit HostRules(const Config& config);
+
+  /// Whether a `Host` field is well-formed and names this server: a listener's address, that of the connection, `localhost` or one that
+  /// the configuration allows. The port is not looked at, since it may be another one outside.
+  bool AllowsHost(std::string_view host, const boost::asio::ip::address& local) const;
+  /// Whether the page of this `Origin` comes from this very server, as the client knows it by `host`, or from one that is allowed.
+  bool AllowsOrigin(std::string_view origin, std::string_view host) const { return IsSameOrigin(origin, host) || IsListed(origin); }
+  /// Whether the configuration names this `Origin`.
+  bool IsListed(std::string_view origin) const;
+  bool HasListedOrigins() const { return !origins_.empty(); }
+
+ private:
+  static bool IsSameOrigin(std::string_view origin, std::string_view host);
+
+  std::vector<std::string> origins_;
+  std::vector<std::string> hosts_;
+  std::vector<boost::asio::ip::address> addresses_;
+  bool allHosts_ = false;
+};
+
+}  // namespace zuva::serve

@@ -1,0 +1,14 @@
+#include "serve/http_request.h"
+
+namespace zuva::serve {
+
+void HttpRequest::Clear() {
+  method = HttpMethod::kOther;
+  keepAlive = upgrade = expectsContinue = false;
+  version = 11;
+  hostCount = 0;
+  for (auto* text : {&target, &host, &origin, &contentType, &ifNoneMatch, &requestedMethod, &webSocketKey, &webSocketVersion, &body})
+    text->clear();
+}
+
+}  // namespace zuva::serve

@@ -1,0 +1,66 @@
+#include "serve/listener.h"
+
+#include <chrono>
+#include <utility>
+
+#include <boost/asio/ip/v6_only.hpp>
+
+#include "zuva/logger.h"
+
+namespace zuva::serve {
+
+namespace asio = boost::asio;
+using asio::ip::tcp;
+
+namespace {
+
+constexpr std::chrono::milliseconds kPauseAfterError{100};
+
+}  // namespace
+
+Listener::Listener(asio::io_context& io, const ListenAddress& address) : acceptor_{io}, pause_{io} {
+  const tcp::endpoint endpoint{asio::ip::make_address(address.address), address.port};
+  acceptor_.open(endpoint.protocol());
+  acceptor_.set_option(tcp::acceptor::reuse_address{true});
+  if (endpoint.address().is_v6()) acceptor_.set_option(asio::ip::v6_only{true});  // IPv4 has listeners of its own
+  acceptor_.bind(endpoint);
+  acceptor_.listen();
+}
+
+std::string Listener::Text() const {
+  const auto endpoint = acceptor_.local_endpoint();
+  const auto address = endpoint.address().to_string();
+  return "http://" + (endpoint.address().is_v6() ? "[" + address + "]" : address) + ":" + std::to_string(endpoint.port());
+}
+
+void Listener::Accept(Taker taker) {
+  taker_ = std::move(taker);
+  AcceptNext();
+}
+
+void Listener::Close() {
+  boost::system::error_code ignored;  // a socket that does not close takes nobody all the same, since nobody asks it
+  acceptor_.close(ignored);
+  pause_.cancel();
+}
+
+void Listener::AcceptNext() {
+  acceptor_.async_accept([this](const boost::system::error_code& error, tcp::socket socket) {
+    if (!acceptor_.is_open()) return;
+    if (error) {
+      GetLogger().LogWarn() << "A connection could not be taken: " << error.message();
+      return AcceptLater();
+    }
+    taker_(std::move(socket));
+    AcceptNext();
+  });
+}
+
+void Listener::AcceptLater() {
+  pause_.expires_after(kPauseAfterError);
+  pause_.async_wait([this](const boost::system::error_code& error) {
+    if (!error && acceptor_.is_open()) AcceptNext();
+  });
+}
+
+}  // namespace zuva::serve

@@ -1,0 +1,41 @@
+#include "serve/outbox.h"
+
+#include <utility>
+
+namespace zuva::serve {
+
+void Outbox::Push(Frame frame, const Subscription* owner) {
+  items_.push_back({owner, {}, std::move(frame)});
+  bytes_ += items_.back().Bytes();
+}
+
+void Outbox::Push(Mark mark, const Subscription* owner) {
+  items_.push_back({owner, mark, {}});
+  bytes_ += kMarkBytes;
+}
+
+void Outbox::Forget(const Subscription* owner) {
+  std::erase_if(items_, [&](const Item& item) {
+    if (item.owner != owner) return false;
+    bytes_ -= item.Bytes();
+    return true;
+  });
+}
+
+void Outbox::Clear() {
+  items_.clear();
+  bytes_ = 0;
+}
+
+std::optional<Frame> Outbox::Pop(const std::function<std::optional<Frame>(const Mark&)>& render) {
+  while (!items_.empty()) {
+    Item item = std::move(items_.front());
+    items_.pop_front();
+    bytes_ -= item.Bytes();
+    if (!item.mark.seat) return std::move(item.frame);
+    if (auto frame = render(item.mark)) return frame;
+  }
+  return std::nullopt;
+}
+
+}  // namespace zuva::serve

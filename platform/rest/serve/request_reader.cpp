@@ -1,0 +1,165 @@
+#include "serve/request_reader.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include <boost/beast/http/basic_parser.hpp>
+#include <boost/beast/http/error.hpp>
+
+#include "serve/text.h"
+
+namespace zuva::serve {
+
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+
+namespace {
+
+HttpMethod MethodOf(http::verb verb) {
+  switch (verb) {
+    case http::verb::get:
+      return HttpMethod::kGet;
+    case http::verb::head:
+      return HttpMethod::kHead;
+    case http::verb::post:
+      return HttpMethod::kPost;
+    case http::verb::options:
+      return HttpMethod::kOptions;
+    case http::verb::put:
+      return HttpMethod::kPut;
+    case http::verb::delete_:
+      return HttpMethod::kDelete;
+    default:
+      return HttpMethod::kOther;
+  }
+}
+
+/// Several fields of one name make one list (RFC 9110 section 5.3).
+void AddToList(std::string& list, std::string_view value) {
+  if (!list.empty()) list += ", ";
+  list += value;
+}
+
+}  // namespace
+
+/// Writes what it hears into the request at hand; fields that nobody asks for are dropped at once.
+class RequestReader::Parser final : public http::basic_parser<true> {
+ public:
+  Parser(HttpRequest& request, std::size_t headerBytes, std::size_t bodyBytes) : request_{request} {
+    eager(true);
+    header_limit(static_cast<std::uint32_t>(headerBytes));
+    body_limit(bodyBytes);
+  }
+
+ private:
+  void on_request_impl(http::verb verb, beast::string_view, beast::string_view target, int version, beast::error_code&) override {
+    request_.method = MethodOf(verb);
+    request_.target = target;
+    request_.version = static_cast<unsigned>(version);
+  }
+  void on_field_impl(http::field name, beast::string_view, beast::string_view value, beast::error_code&) override {
+    if (headComplete_) return;  // a trailer says nothing here
+    switch (name) {
+      case http::field::host:
+        ++request_.hostCount;
+        request_.host = value;
+        break;
+      case http::field::origin:
+        AddToList(request_.origin, value);
+        break;
+      case http::field::content_type:
+        AddToList(request_.contentType, value);
+        break;
+      case http::field::if_none_match:
+        AddToList(request_.ifNoneMatch, value);
+        break;
+      case http::field::expect:
+        request_.expectsContinue = EqualsIgnoringCase(value, "100-continue");
+        break;
+      case http::field::upgrade:
+        namesWebSocket_ = namesWebSocket_ || HasToken(value, "websocket");
+        break;
+      case http::field::access_control_request_method:
+        request_.requestedMethod = value;
+        break;
+      case http::field::sec_websocket_key:
+        AddToList(request_.webSocketKey, value);
+        break;
+      case http::field::sec_websocket_version:
+        AddToList(request_.webSocketVersion, value);
+        break;
+      default:
+        break;
+    }
+  }
+  void on_header_impl(beast::error_code&) override {
+    headComplete_ = true;
+    request_.keepAlive = keep_alive();
+    request_.upgrade = upgrade() && namesWebSocket_;
+  }
+  std::size_t on_body_impl(beast::string_view body, beast::error_code&) override {
+    request_.body += body;
+    return body.size();
+  }
+  std::size_t on_chunk_body_impl(std::uint64_t, beast::string_view body, beast::error_code& error) override {
+    return on_body_impl(body, error);
+  }
+  void on_body_init_impl(const boost::optional<std::uint64_t>&, beast::error_code&) override {}
+  void on_chunk_header_impl(std::uint64_t, beast::string_view, beast::error_code&) override {}
+  void on_finish_impl(beast::error_code&) override {}
+  void on_response_impl(int, beast::string_view, int, beast::error_code&) override {}
+
+  HttpRequest& request_;
+  bool headComplete_ = false;
+  bool namesWebSocket_ = false;
+};
+
+struct RequestReader::Slot {
+  std::optional<Parser> parser;
+};
+
+RequestReader::RequestReader(std::size_t headerBytes, std::size_t bodyBytes)
+    : headerBytes_{headerBytes}, bodyBytes_{bodyBytes}, slot_{std::make_unique<Slot>()} {
+  Next();
+}
+
+RequestReader::~RequestReader() = default;
+
+void RequestReader::Next() {
+  request_.Clear();
+  begun_ = headReported_ = false;
+  headBytes_ = 0;
+  slot_->parser.emplace(request_, headerBytes_, bodyBytes_);
+}
+
+ReadState RequestReader::Take(std::span<const char> bytes, std::size_t& taken) {
+  taken = 0;
+  if (!begun_) {  // an empty line before a request is no fault (RFC 9112 section 2.2)
+    while (taken < bytes.size() && (bytes[taken] == '\r' || bytes[taken] == '\n')) ++taken;
+    bytes = bytes.subspan(taken);
+  }
+  if (bytes.empty()) return ReadState::kNeedsMore;
+  begun_ = true;
+  auto& parser = *slot_->parser;
+  while (!parser.is_done() && !bytes.empty()) {
+    const bool inHead = !parser.is_header_done();
+    // Beast's own limit starts anew at each call, so the head is shown no more than it may still take.
+    const auto window = inHead ? bytes.first(std::min(bytes.size(), headerBytes_ - headBytes_)) : bytes;
+    beast::error_code error;
+    const auto used = parser.put(boost::asio::const_buffer{window.data(), window.size()}, error);
+    taken += used;
+    bytes = bytes.subspan(used);
+    if (inHead) headBytes_ += used;
+    if (error == http::error::header_limit) return ReadState::kHeadTooLarge;
+    if (error == http::error::body_limit) return ReadState::kBodyTooLarge;
+    if (error && error != http::error::need_more) return ReadState::kMalformed;
+    if (!parser.is_header_done() && bytes.size() >= headerBytes_ - headBytes_) return ReadState::kHeadTooLarge;
+    if (error == http::error::need_more) break;
+  }
+  if (parser.is_done()) return ReadState::kComplete;
+  if (parser.is_header_done() && !std::exchange(headReported_, true)) return ReadState::kHead;
+  return ReadState::kNeedsMore;
+}
+
+}  // namespace zuva::serve

@@ -1,0 +1,156 @@
+#include "serve/web_server.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <sys/resource.h>
+#include <boost/asio/post.hpp>
+
+#include "serve/http_session.h"
+#include "serve/threads.h"
+#include "zuva/logger.h"
+#include "zuva/server.h"
+
+namespace zuva::serve {
+
+namespace asio = boost::asio;
+
+namespace {
+
+constexpr std::chrono::milliseconds kSweepEvery{250};
+/// How long clients have to take their last answer, once a stop has begun or again since the latest callback ended.
+constexpr std::chrono::seconds kPatience{1};
+/// What the process needs beside its clients: logs, the vehicle's sockets, libraries.
+constexpr rlim_t kOtherFiles = 256;
+
+void RaiseFileLimit(std::size_t connections) {
+  rlimit limit{};
+  const auto wanted = static_cast<rlim_t>(connections) + kOtherFiles;
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return;
+  limit.rlim_cur = std::min(wanted, limit.rlim_max);
+  if (setrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur < wanted) {
+    GetLogger().LogWarn() << "The limit of open files is below what " << connections << " connections need";
+  }
+}
+
+/// For a client that finds no place: told so, as far as its socket takes that at once.
+void TurnAway(asio::ip::tcp::socket socket, DateLine& date) {
+  const auto response = ProblemResponse(503, "Too many connections", "Retry-After: 1\r\nConnection: close\r\n");
+  boost::system::error_code ignored;  // a client that is gone need not be told
+  socket.non_blocking(true, ignored);
+  socket.write_some(asio::buffer(response.head + date.Get() + response.body), ignored);
+}
+
+}  // namespace
+
+WebServer::WebServer(Server& tree, Config config)
+    : tree_{tree}, config_{std::move(config)}, changes_{std::make_shared<ChangeQueue>()}, io_{1}, sweep_{io_} {
+  tree_.SetChangeSink(changes_);
+}
+
+WebServer::~WebServer() {
+  Stop();
+}
+
+void WebServer::Start() {
+  if (thread_.joinable()) throw std::logic_error{"The server has been started already"};
+  RaiseFileLimit(config_.limits.connections);
+  try {
+    OpenListeners();
+    pool_ = std::make_unique<RequestPool>(config_.requestThreads);
+    hub_ = std::make_unique<Hub>(tree_, config_, io_, *pool_, *changes_);
+    changes_->Open([this] { asio::post(io_, [this] { hub_->subscriptions.Drain(); }); });
+    for (const auto& listener : listeners_) listener->Accept([this](asio::ip::tcp::socket socket) { Take(std::move(socket)); });
+    SweepLater();
+    ended_ = {};
+    end_ = ended_.get_future();
+    stopping_ = false;
+    io_.restart();
+    thread_ = StartThread("zuva-io", [this] { Run(); });
+  } catch (...) {  // nothing stays behind of a start that fails
+    changes_->Close();
+    listeners_.clear();
+    hub_.reset();
+    pool_.reset();
+    throw;
+  }
+  for (const auto& listener : listeners_) GetLogger().LogInfo() << "Listening on " << listener->Text();
+}
+
+void WebServer::OpenListeners() {
+  std::string reasons;
+  for (const auto& address : config_.listen) {
+    try {
+      listeners_.push_back(std::make_unique<Listener>(io_, address));
+    } catch (const boost::system::system_error& e) {
+      const auto reason = address.address + " port " + std::to_string(address.port) + ": " + e.code().message();
+      GetLogger().LogWarn() << "Cannot listen on " << reason;
+      reasons += (reasons.empty() ? " " : ", ") + reason;
+    }
+  }
+  if (listeners_.empty()) throw std::runtime_error{"Cannot listen on any address:" + reasons};
+}
+
+void WebServer::Run() {
+  for (;;) {
+    try {
+      io_.run();
+      break;
+    } catch (const std::exception& e) {  // one client's trouble, such as want of memory, is not that of the others
+      GetLogger().LogError() << "A request or event could not be handled: " << e;
+    }
+  }
+  ended_.set_value();
+}
+
+void WebServer::Take(asio::ip::tcp::socket socket) {
+  auto& connections = hub_->connections;
+  if (connections.Size() >= config_.limits.connections && !connections.CloseLongestIdle()) {
+    return TurnAway(std::move(socket), hub_->date);
+  }
+  const auto session = std::make_shared<HttpSession>(*hub_, std::move(socket));
+  connections.Add(session);
+  session->Start();
+}
+
+void WebServer::SweepLater() {
+  sweep_.expires_after(kSweepEvery);
+  sweep_.async_wait([this](const boost::system::error_code& error) {
+    if (error) return;
+    hub_->connections.ForEach([now = Clock::now()](Connection& connection) { connection.Sweep(now); });
+    if (!stopping_) SweepLater();
+  });
+}
+
+void WebServer::Stop() {
+  if (!thread_.joinable()) return;
+  asio::post(io_, [this] { BeginStop(); });
+  while (end_.wait_for(kPatience) == std::future_status::timeout) {
+    asio::post(io_, [this] {
+      hub_->connections.ForEach([](Connection& connection) {
+        if (!connection.AwaitsAnswer()) connection.Abort();
+      });
+    });
+  }
+  thread_.join();
+  pool_->Stop();
+  hub_.reset();
+  listeners_.clear();
+  pool_.reset();
+}
+
+/// Leaves nothing that could give the I/O thread new work. It ends when the last connection and the last callback have.
+void WebServer::BeginStop() {
+  stopping_ = true;
+  for (const auto& listener : listeners_) listener->Close();
+  sweep_.cancel();
+  changes_->Close();
+  hub_->connections.ForEach([](Connection& connection) { connection.Stop(); });
+  hub_->posts.Close();
+}
+
+}  // namespace zuva::serve

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include "serve/change_queue.h"
+#include "serve/config.h"
+#include "serve/hub.h"
+#include "serve/listener.h"
+#include "serve/request_pool.h"
+#include "zuva/frontend.h"
+
+namespace zuva::serve {
+
+/// Serves a tree by HTTP and WebSocket: one thread for all sockets, and the request threads.
+class WebServer final : public Frontend {
+ public:
+  WebServer(Server& tree, Config config);
+  ~WebServer() override;
+
+  /// Throws `std::runtime_error` if there is no address to listen on; one that fails while another works is a warning. Once only.
+  void Start() override;
+  /// Lets callbacks that run end and be answered, says goodbye to WebSockets, and joins all threads.
+  void Stop() override;
+  /// There is no registry outside this process: the services that the tree itself says are announced are all there is.
+  void Announce(ServerService&, std::vector<std::string>) override {}
+  void Withdraw(ServerService&) override {}
+
+ private:
+  void OpenListeners();
+  void Run();
+  void Take(boost::asio::ip::tcp::socket socket);
+  void SweepLater();
+  void BeginStop();
+
+  Server& tree_;
+  const Config config_;
+  const std::shared_ptr<ChangeQueue> changes_;
+  boost::asio::io_context io_;
+  std::unique_ptr<RequestPool> pool_;
+  std::unique_ptr<Hub> hub_;
+  std::vector<std::unique_ptr<Listener>> listeners_;
+  boost::asio::steady_timer sweep_;
+  bool stopping_ = false;     // I/O thread only
+  std::thread thread_;        // runs io_ until nothing is left to do
+  std::promise<void> ended_;  // kept by the I/O thread when it has
+  std::future<void> end_;
+};
+
+}  // namespace zuva::serve

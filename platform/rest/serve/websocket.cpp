@@ -1,0 +1,235 @@
+#include "serve/websocket.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <boost/asio/post.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/websocket.hpp>
+
+#include "serve/conversation.h"
+#include "serve/hub.h"
+
+namespace zuva::serve {
+namespace {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+namespace websocket = boost::beast::websocket;
+
+/// How long a client may take to answer a close.
+constexpr std::chrono::seconds kLongestClose{10};
+/// What may wait while the client takes frames, though too slowly. Far above the limit, which is for clients that take nothing.
+std::size_t HardLimit(const Limits& limits) {
+  return std::max<std::size_t>(8 * limits.pendingBytesPerClient, std::size_t{8} << 20U);
+}
+
+/// A WebSocket: reads a message only after the one before is answered, and writes what the outbox holds as the client takes it.
+class WebSocketSession final : public Connection, public Conversation::Socket, public std::enable_shared_from_this<WebSocketSession> {
+ public:
+  WebSocketSession(Hub& hub, asio::ip::tcp::socket socket) : hub_{hub}, stream_{std::move(socket)}, conversation_{hub, *this} {
+    stream_.read_message_max(hub.config.limits.bodyBytes);
+    stream_.auto_fragment(false);
+    stream_.text(true);
+    stream_.control_callback([this](websocket::frame_type, beast::string_view) { Hear(); });
+  }
+
+  void Start(const HttpRequest& request);
+  void Sweep(Clock::time_point now) override;
+  void Stop() override { Close(websocket::close_code::going_away); }
+  void Abort() override;
+  bool AwaitsAnswer() const override { return answering_; }
+
+  Outbox& GetOutbox() override { return outbox_; }
+  void Flush() override;
+  void OnLost() override { CloseSlow(); }
+  std::shared_ptr<Conversation::Socket> Keep() override { return shared_from_this(); }
+  void OnAnswered() override;
+
+ private:
+  enum class State : std::uint8_t { kAccepting, kOpen, kClosing, kEnded };
+
+  void Hear();
+  void Read();
+  void OnRead(const beast::error_code& error);
+  void OnWritten(const beast::error_code& error);
+  void Close(websocket::close_code code);
+  void SetCloseDeadline();
+  void CloseSlow();
+  void SendClose();
+
+  Hub& hub_;
+  websocket::stream<asio::ip::tcp::socket> stream_;
+  beast::flat_buffer input_;
+  Outbox outbox_;
+  Conversation conversation_;
+  State state_ = State::kAccepting;
+  bool answering_ = false;  // an answer is outstanding, and no message is read
+  Clock::time_point heard_ = Clock::now();
+  bool pinged_ = false;  // since then
+
+  std::optional<Frame> frame_;  // being written
+  std::uint64_t written_ = 0;   // frames, now and at the sweep before
+  std::uint64_t writtenBefore_ = 0;
+  std::optional<websocket::close_code> closeCode_;  // to be sent behind what the outbox holds
+  Clock::time_point closeDeadline_;
+  bool closeSent_ = false;
+};
+
+void WebSocketSession::Start(const HttpRequest& request) {
+  http::request<http::empty_body> upgrade{http::verb::get, request.target, 11};
+  upgrade.set(http::field::host, request.host);
+  upgrade.set(http::field::connection, "Upgrade");
+  upgrade.set(http::field::upgrade, "websocket");
+  upgrade.set(http::field::sec_websocket_key, request.webSocketKey);
+  upgrade.set(http::field::sec_websocket_version, request.webSocketVersion);
+  stream_.async_accept(upgrade, [self = shared_from_this()](const beast::error_code& error) {
+    if (self->state_ == State::kEnded) return;
+    if (error) return self->Abort();
+    self->state_ = self->closeCode_ ? State::kClosing : State::kOpen;
+    self->Hear();
+    self->Read();
+    self->Flush();
+  });
+}
+
+void WebSocketSession::Sweep(Clock::time_point now) {
+  const auto& limits = hub_.config.limits;
+  const std::chrono::seconds idle{limits.idleSeconds};
+  switch (state_) {
+    case State::kAccepting:
+      if (now - heard_ > std::chrono::seconds{limits.requestSeconds}) Abort();
+      return;
+    case State::kClosing:
+      if (!answering_ && now > closeDeadline_) Abort();
+      return;
+    case State::kOpen:
+      break;
+    case State::kEnded:
+      return;
+  }
+  const bool stuck = std::exchange(writtenBefore_, written_) == written_;
+  if (stuck && outbox_.Bytes() > limits.pendingBytesPerClient) return CloseSlow();
+  if (answering_) return;  // what the client sends is not read meanwhile
+  if (now - heard_ > idle) return Abort();
+  if (now - heard_ > idle / 2 && !std::exchange(pinged_, true)) {
+    stream_.async_ping({}, [self = shared_from_this()](const beast::error_code&) {});  // a failure shows at the next read
+  }
+}
+
+void WebSocketSession::Abort() {
+  if (std::exchange(state_, State::kEnded) == State::kEnded) return;
+  conversation_.EndSubscriptions();
+  outbox_.Clear();
+  beast::error_code ignored;  // there is nothing left to do for a socket that does not close
+  stream_.next_layer().close(ignored);
+  hub_.connections.Remove(this);
+}
+
+void WebSocketSession::Hear() {
+  heard_ = Clock::now();
+  pinged_ = false;
+}
+
+void WebSocketSession::Read() {
+  stream_.async_read(input_, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnRead(error); });
+}
+
+void WebSocketSession::OnRead(const beast::error_code& error) {
+  if (state_ == State::kEnded) return;
+  if (error) {
+    // Where the client broke the protocol Beast has told it why; otherwise it has closed or is gone.
+    if (!closeSent_) Abort();
+    return;
+  }
+  Hear();
+  if (state_ == State::kOpen && !stream_.got_text()) Close(websocket::close_code::unknown_data);
+  if (state_ == State::kOpen) {
+    const auto bytes = input_.cdata();
+    answering_ = !conversation_.Handle({static_cast<const char*>(bytes.data()), bytes.size()});
+  }
+  input_.consume(input_.size());
+  Flush();
+  if (!answering_) Read();
+}
+
+void WebSocketSession::OnAnswered() {
+  answering_ = false;
+  if (state_ == State::kEnded) return;
+  Hear();
+  if (closeCode_) SetCloseDeadline();
+  Flush();
+  Read();
+}
+
+void WebSocketSession::Flush() {
+  if (state_ == State::kEnded) return;
+  if (outbox_.Bytes() > HardLimit(hub_.config.limits)) {
+    // Later, since whoever fills the outbox is not to lose the subscription under its hands.
+    asio::post(hub_.io, [self = shared_from_this()] { self->CloseSlow(); });
+    return;
+  }
+  if (frame_ || state_ == State::kAccepting || closeSent_) return;
+  frame_ = outbox_.Pop(SubscriptionIndex::Render);
+  if (!frame_) {
+    if (closeCode_ && !answering_) SendClose();
+    return;
+  }
+  const auto piece = [](const std::shared_ptr<const std::string>& text) { return text ? asio::buffer(*text) : asio::const_buffer{}; };
+  const std::array<asio::const_buffer, 2> pieces{piece(frame_->prefix), piece(frame_->tail)};
+  stream_.async_write(pieces, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnWritten(error); });
+}
+
+void WebSocketSession::OnWritten(const beast::error_code& error) {
+  frame_.reset();
+  ++written_;
+  if (state_ == State::kEnded) return;
+  if (error) {
+    if (!closeSent_) Abort();
+    return;
+  }
+  Flush();
+}
+
+/// Says goodbye behind all answers; an answer that is outstanding is waited for.
+void WebSocketSession::Close(websocket::close_code code) {
+  if (state_ == State::kEnded || closeCode_) return;
+  if (state_ == State::kOpen) state_ = State::kClosing;
+  closeCode_ = code;
+  SetCloseDeadline();
+  conversation_.EndSubscriptions();
+  Flush();
+}
+
+void WebSocketSession::SetCloseDeadline() {
+  closeDeadline_ = Clock::now() + std::min<std::chrono::seconds>(kLongestClose, std::chrono::seconds{hub_.config.limits.idleSeconds});
+}
+
+void WebSocketSession::CloseSlow() {
+  outbox_.Clear();
+  Close(websocket::close_code::try_again_later);
+}
+
+void WebSocketSession::SendClose() {
+  closeSent_ = true;
+  stream_.async_close(*closeCode_, [self = shared_from_this()](const beast::error_code&) { self->Abort(); });
+}
+
+}  // namespace
+
+void AcceptWebSocket(Hub& hub, asio::ip::tcp::socket socket, const HttpRequest& request) {
+  const auto session = std::make_shared<WebSocketSession>(hub, std::move(socket));
+  hub.connections.Add(session);
+  session->Start(request);
+}
+
+}  // namespace zuva::serve
