@@ -36,8 +36,8 @@ class TempRoot {
 
  private:
   std::filesystem::path path_;
-  int portReservation_ = -1;  // a bound TCP socket: the number is taken for other tests, its UDP side stays free for the program
   std::uint16_t discoveryPort_ = 0;
+  int portReservation_ = -1;  // a bound TCP socket: the number is taken for other tests, its UDP side stays free for the program
 };
 
 }  // namespace test_support
