@@ -1,0 +1,223 @@
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "someip/cmc/charging_management_core_listener.h"
+#include "someip/cmc/resources.h"
+#include "tests/unit/someip/doubles.h"
+#include "tests/unit/someip/handles.h"
+
+#include "ara/log/testing/capture.h"
+
+namespace trov::testing {
+namespace {
+
+using chargingManagementCoreListener::ChargingManagementCoreListener;
+using ::testing::_;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::Eq;
+using ::testing::InSequence;
+using ::testing::Property;
+using ::testing::Return;
+
+using Handle_type = MockCmcWrapper::Handle_type;
+using Handles = std::vector<Handle_type>;
+using View = cmc::DT_ChargingManagementCore_views_type;
+using Content = cmc::DT_ChargingManagementCore_views_content;
+
+class Listener : public ::testing::Test {
+ protected:
+  Listener() {
+    listener->SetCommunicationsManager(mediator);
+    ON_CALL(*wrapper, IsProxyNull).WillByDefault([this] { return proxyIsNull; });
+    ON_CALL(*wrapper, CreateServiceProxy).WillByDefault([this](auto&) { proxyIsNull = false; });
+  }
+
+  static cmc::DT_views_struct ViewRecord(Opt<View> type, Opt<Content> content = {}) {
+    cmc::DT_views_struct record;
+    record.type = type;
+    record.content = content;
+    return record;
+  }
+
+  template <class Record>
+  static std::shared_ptr<const std::vector<Record>> Sample(std::vector<Record> records) {
+    return std::make_shared<const std::vector<Record>>(std::move(records));
+  }
+
+  bool proxyIsNull = true;
+  ara::log::testing::Capture log;
+  std::shared_ptr<MockCmcWrapper> wrapper = std::make_shared<::testing::NiceMock<MockCmcWrapper>>();
+  std::shared_ptr<MockMediator> mediator = std::make_shared<::testing::StrictMock<MockMediator>>();
+  std::shared_ptr<ChargingManagementCoreListener> listener = std::make_shared<ChargingManagementCoreListener>(wrapper);
+};
+
+TEST_F(Listener, TheFirstInstanceMakesTheProxyAndSubscribesInTheFixedOrder) {
+  std::vector<Resource> order;
+  {
+    const InSequence sequence;
+    EXPECT_CALL(*wrapper, CreateServiceProxy(Property(&Handle_type::instance, Eq(qe::com::runtime::Instance_id{"0x0001"}))));
+    for (int i = 0; i < 15; ++i) {
+      EXPECT_CALL(*wrapper, SetReceiveHandler(_, _)).WillOnce([&order](Resource resource, auto&&) { order.push_back(resource); });
+      EXPECT_CALL(*wrapper, Subscribe(_)).WillOnce([&order](Resource resource) { EXPECT_EQ(resource, order.back()); });
+    }
+  }
+  listener->OnServiceFound({Handle<MockCmcWrapper>("0x0001"), Handle<MockCmcWrapper>("0x0002")});
+  EXPECT_THAT(order, ElementsAre(Resource::ChargingPlugs, Resource::ValueControls, Resource::SwitchControls, Resource::Views,
+                                 Resource::NotificationMarkers, Resource::OruUpdateApprovals, Resource::Notifications,
+                                 Resource::FactoryResetData, Resource::chargingProcessInformation, Resource::valueIndications,
+                                 Resource::pastErrorInformation, Resource::BatteryCareModes, Resource::BatteryPreconditionings,
+                                 Resource::BatteryPreconditioningEnergies, Resource::BidirectionalChargingModes));
+  const auto lines = log.Lines();
+  ASSERT_EQ(lines.size(), 18U);
+  EXPECT_EQ(lines[2], "OnServiceFound  step 3 reached...");
+  EXPECT_EQ(lines[6], "[SomeIp] Subscribed to Views resource..");
+}
+
+TEST_F(Listener, LossAndReturnTellTheRegistryOnlyAndAnEmptyListBeforeTheFirstTellsNobody) {
+  listener->OnServiceFound({});
+  EXPECT_THAT(log.Lines(), ElementsAre("OnServiceFound  step 1 reached...", "OnServiceFound No service available"));
+  const Handles one{Handle<MockCmcWrapper>("0x0001")};
+  listener->OnServiceFound(one);
+  EXPECT_CALL(*wrapper, Subscribe).Times(0);
+  {
+    const InSequence sequence;
+    EXPECT_CALL(*mediator, TellZuvaToUpdate_Registry(false));
+    EXPECT_CALL(*mediator, TellZuvaToUpdate_Registry(true)).Times(2);
+  }
+  listener->OnServiceFound({});
+  listener->OnServiceFound(one);
+  listener->OnServiceFound(one);  // a mere change of the list counts as a return
+  EXPECT_EQ(log.Lines().back(), "OnServiceFound  step 3 not reached...");
+}
+
+TEST_F(Listener, CallbacksOfAListenerThatIsGoneReturn) {
+  std::function<void(Handles)> found;
+  std::function<void()> received;
+  EXPECT_CALL(*wrapper, StartFindService).WillOnce([&found](auto handler) {
+    found = std::move(handler);
+    return true;
+  });
+  EXPECT_CALL(*wrapper, SetReceiveHandler(_, _)).WillRepeatedly([&received](auto, auto handler) { received = std::move(handler); });
+  listener->StartListener();
+  EXPECT_EQ(log.Lines().back(), "Find Service started...");
+  found({Handle<MockCmcWrapper>("0x0001")});
+  listener.reset();
+  EXPECT_CALL(*wrapper, Update).Times(0);
+  found({});
+  received();
+}
+
+TEST_F(Listener, OneRunOfAHandlerPassesEverySampleOnInOrder) {
+  const auto samples = std::vector{Sample<cmc::DT_views_struct>({ViewRecord(View::popup, Content::nothing), ViewRecord({})}),
+                                   Sample<cmc::DT_views_struct>({}), Sample<cmc::DT_views_struct>({ViewRecord(View::itSystemScreen)})};
+  const InSequence sequence;
+  EXPECT_CALL(*wrapper, Update(Resource::Views));
+  EXPECT_CALL(*wrapper, GetCachedSamples(Resource::Views)).WillOnce(Return(samples));
+  EXPECT_CALL(*mediator, TellZuvaToUpdate_Views(Eq(View::popup), Eq(Content::nothing), _));
+  EXPECT_CALL(*mediator, TellZuvaToUpdate_Views(Eq(View::itSystemScreen), Eq(Opt<Content>{}), _));
+  EXPECT_CALL(*wrapper, Cleanup(Resource::Views));
+  listener->OnReceived_Views();
+  EXPECT_THAT(log.Lines(), ElementsAre("[SomeIp][SomeIp -> Zuva] Received notification regarding views..",
+                                       "[SomeIp][SomeIp -> Zuva] Views notification: There are 3elements in the CachedSamples...",
+                                       "[SomeIp][SomeIp -> Zuva] View object has no type... Ignoring notification..."));
+}
+
+TEST_F(Listener, WithoutSamplesNothingIsCleanedUpAndOneNeighbourLendsItsWords) {
+  EXPECT_CALL(*wrapper, Cleanup).Times(0);
+  EXPECT_CALL(*wrapper, GetCachedSamples)
+      .WillOnce(Return(
+          types::CachedSamplesVariant{std::vector<std::shared_ptr<const std::vector<cmc::DT_bidirectionalChargingModes_struct>>>{}}));
+  listener->OnReceived_BidirectionalChargingModes();
+  EXPECT_EQ(log.Lines().back(),
+            "[SomeIp][SomeIp -> Zuva] BatteryCareModes notification: There are no elements in the CachedSamples. Returning...");
+}
+
+TEST_F(Listener, ThreeHandlersReturnAtOnceWithoutAProxy) {
+  EXPECT_CALL(*wrapper, Update).Times(0);
+  EXPECT_CALL(*wrapper, Cleanup).Times(0);
+  listener->OnReceived_pastErrorInformation();
+  listener->OnReceived_valueIndications();
+  listener->OnReceived_chargingProcessInformation();
+  EXPECT_EQ(log.Lines().size(), 3U);
+}
+
+TEST_F(Listener, TheChargingProcessAloneTellsWhatItsRecordHolds) {
+  proxyIsNull = false;
+  cmc::DT_chargingProcessInformation_struct record;
+  record.type = cmc::DT_ChargingManagementCore_chargingProcessInformation_type::chargingProcessInformation;
+  record.chargeBulkThreshold = 4294967295U;
+  record.evseid = "DE*1";
+  record.chargeRateCuteness = cmc::DT_ChargingManagementCore_chargingProcessInformation_chargeRateCuteness::limitedHighSoc;
+  const std::vector samples{Sample<cmc::DT_chargingProcessInformation_struct>({record, {}})};
+  EXPECT_CALL(*wrapper, GetCachedSamples).WillOnce(Return(samples));
+  types::ChargingProcessInformationRawTuple told;
+  EXPECT_CALL(*mediator, TellZuvaToUpdate_chargingProcessInformation(_)).WillOnce([&told](auto&& tuple) { told = std::move(tuple); });
+  listener->OnReceived_chargingProcessInformation();
+  EXPECT_EQ(log.Lines().back(),
+            "[SomeIp] chargingProcessInformation - type = 0, chargeBulkThreshold = -1, evseid = DE*1, chargeRateCuteness = 4");
+  EXPECT_EQ(std::get<2>(told), 4294967295U);
+  EXPECT_EQ(std::get<9>(told), std::string{"DE*1"});
+}
+
+class Gets : public Listener {
+ protected:
+  Gets() {
+    proxyIsNull = false;
+    ON_CALL(*wrapper, SomeIp_Get).WillByDefault([this](Resource resource, const auto& timeout) {
+      EXPECT_EQ(timeout, std::chrono::milliseconds{2000});
+      asked.push_back(resource);
+      return Empty(resource);
+    });
+  }
+
+  static types::GetResultVariant Empty(Resource resource) {
+    types::GetResultVariant result;
+    chargingManagementCoreListener::Resources::With(resource, [&result](auto row) { result = typename decltype(row)::Records{}; });
+    return result;
+  }
+
+  std::vector<Resource> asked;
+};
+
+TEST_F(Gets, ACycleAsksInItsOwnOrderAndAnEmptyAnswerChangesNothing) {
+  EXPECT_CALL(*wrapper, PrepareGets);
+  listener->FetchData();
+  EXPECT_THAT(asked, ::testing::ElementsAreArray(chargingManagementCoreListener::kGetOrder));
+  EXPECT_THAT(log.Lines(), Contains("[SomeIp][SomeIpGET -> Zuva] Get failed for resetToFactory OR 0 elements retrieved..."));
+}
+
+TEST_F(Gets, RecordsGoTheWayOfNotificationsWithWordsOfTheirOwn) {
+  EXPECT_CALL(*wrapper, SomeIp_Get(Resource::Views, _))
+      .WillOnce(Return(types::GetResultVariant{std::vector{ViewRecord(View::popup), ViewRecord({})}}));
+  EXPECT_CALL(*wrapper, SomeIp_Get(::testing::Ne(Resource::Views), _)).WillRepeatedly([](Resource resource, const auto&) {
+    return Empty(resource);
+  });
+  EXPECT_CALL(*mediator, TellZuvaToUpdate_Views(Eq(View::popup), _, _));
+  listener->FetchData();
+  EXPECT_THAT(log.Lines(), Contains("[SomeIp][SomeIpGET -> Zuva] There are 2 elements in the views Get vector..."));
+  EXPECT_THAT(log.Lines(), Contains("[SomeIp][SomeIp -> Zuva] View object has no type... Ignoring notification..."));
+}
+
+TEST_F(Gets, WhateverIsThrownEndsTheCycleInOneLine) {
+  EXPECT_CALL(*wrapper, PrepareGets)
+      .WillOnce(::testing::Throw(xr::com::Service_not_available_exception{}))
+      .WillOnce(::testing::Throw(std::runtime_error{"no"}))
+      .WillOnce(::testing::Throw(7));
+  listener->FetchData();
+  EXPECT_EQ(log.Lines().back(), "[SomeIp][SomeIpGET -> Zuva] Cant get, service lost - Service not available exception");
+  listener->FetchData();
+  EXPECT_EQ(log.Lines().back(), "[SomeIp][SomeIpGET -> Zuva] Exception - no");
+  listener->FetchData();
+  EXPECT_EQ(log.Lines().back(), "[SomeIp][SomeIpGET -> Zuva] Exception - Unknown");
+  proxyIsNull = true;
+  listener->FetchData();
+  EXPECT_EQ(log.Lines().back(), "[SomeIp][SomeIpGET -> Zuva] Cant get... Service not found...");
+  EXPECT_THAT(asked, ::testing::IsEmpty());
+}
+
+}  // namespace
+}  // namespace trov::testing
