@@ -16,17 +16,18 @@
 #
 # A changed JSON file, template or generator renders again; a file whose text stays the same keeps its time and rebuilds nothing.
 function(cmc_generate out product)
-  set(tool ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/modelgen.py)
-  file(GLOB inputs CONFIGURE_DEPENDS ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/*.py ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/*/*
+  set(folder ${CMAKE_CURRENT_FUNCTION_LIST_DIR})
+  set(tool ${CMC_PYTHON} -B ${folder}/modelgen.py --root ${CMAKE_SOURCE_DIR})
+  file(GLOB inputs CONFIGURE_DEPENDS ${folder}/*.py ${folder}/schema.json ${folder}/templates/*
     ${CMAKE_SOURCE_DIR}/model/*.json ${CMAKE_SOURCE_DIR}/rest/model/*.json)
   # The list of files follows from the model, so a new resource needs no line here.
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${inputs})
-  execute_process(COMMAND ${CMC_PYTHON} ${tool} --root ${CMAKE_SOURCE_DIR} --list ${product}
+  execute_process(COMMAND ${tool} --list ${product}
     OUTPUT_VARIABLE files OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   string(REPLACE "\n" ";" files "${files}")
   list(TRANSFORM files PREPEND ${CMAKE_BINARY_DIR}/generated/)
   add_custom_command(OUTPUT ${files}
-    COMMAND ${CMC_PYTHON} ${tool} --root ${CMAKE_SOURCE_DIR} --output ${CMAKE_BINARY_DIR}/generated ${product}
+    COMMAND ${tool} --output ${CMAKE_BINARY_DIR}/generated ${product}
     DEPENDS ${inputs} COMMENT "Rendering the ${product} code" VERBATIM)
   set(${out} ${files} PARENT_SCOPE)
 endfunction()
