@@ -8,8 +8,8 @@ class HeapAllocator final : public Allocator {
   void* Allocate(std::size_t bytes, std::size_t alignment) override {
     return ::operator new (bytes, std::align_val_t{alignment}, std::nothrow);
   }
-  void Deallocate(void* memory, std::size_t bytes, std::size_t alignment) noexcept override {
-    ::operator delete (memory, bytes, std::align_val_t{alignment});
+  void Deallocate(void* memory, std::size_t, std::size_t alignment) noexcept override {
+    ::operator delete (memory, std::align_val_t{alignment});
   }
 };
 

@@ -88,7 +88,7 @@ using Pointer = std::unique_ptr<T, impl::Deleter>;
 /// Makes an object with the given allocator. Throws `LogicException` without one, `InvalidArgumentException` "ptr is null" if it has no
 /// memory.
 template <class T, class... Args>
-Pointer<T> MakePointer(std::allocator_arg_t, Allocator* allocator, Args&&... args) {
+Pointer<T> AllocatePointer(Allocator* allocator, Args&&... args) {
   StdAllocator<T> adapter{allocator};
   T* const memory = adapter.allocate(1);
   try {
@@ -102,19 +102,19 @@ Pointer<T> MakePointer(std::allocator_arg_t, Allocator* allocator, Args&&... arg
 /// The same with the default allocator.
 template <class T, class... Args>
 Pointer<T> MakePointer(Args&&... args) {
-  return MakePointer<T>(std::allocator_arg, GetDefaultAllocator(), std::forward<Args>(args)...);
+  return AllocatePointer<T>(GetDefaultAllocator(), std::forward<Args>(args)...);
 }
 
-/// A shared object with the given allocator; throws as `MakePointer` does.
+/// A shared object with the given allocator; throws as `AllocatePointer` does.
 template <class T, class... Args>
-std::shared_ptr<T> MakeSharedPointer(std::allocator_arg_t, Allocator* allocator, Args&&... args) {
+std::shared_ptr<T> AllocateSharedPointer(Allocator* allocator, Args&&... args) {
   return std::allocate_shared<T>(StdAllocator<T>{allocator}, std::forward<Args>(args)...);
 }
 
 /// The same with the default allocator.
 template <class T, class... Args>
 std::shared_ptr<T> MakeSharedPointer(Args&&... args) {
-  return MakeSharedPointer<T>(std::allocator_arg, GetDefaultAllocator(), std::forward<Args>(args)...);
+  return AllocateSharedPointer<T>(GetDefaultAllocator(), std::forward<Args>(args)...);
 }
 
 }  // namespace ara::rest
