@@ -67,11 +67,6 @@ class DltSink final : public Sink {
 
   void Close(std::chrono::milliseconds left) noexcept override {
     closed_ = true;
-    // The last words to a daemon that has gone: the process is about to end by its own will, not by that signal.
-    sigset_t pipe;
-    ::sigemptyset(&pipe);
-    ::sigaddset(&pipe, SIGPIPE);
-    ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
     ::dlt_set_resend_timeout_atexit(static_cast<std::uint32_t>(left.count()));
     ::dlt_user_atexit_blow_out_user_buffer();
     ::dlt_set_resend_timeout_atexit(0);  // the library's own handler would wait once more

@@ -6,6 +6,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -131,6 +132,12 @@ void Writer::Stop() noexcept {
 }
 
 void Writer::StopOnce() noexcept {
+  // From here on this thread writes too, perhaps to a reader that has gone, and the process shall end by its own will. The sink's
+  // library may have its last words after us, hence for good.
+  sigset_t pipe;
+  ::sigemptyset(&pipe);
+  ::sigaddset(&pipe, SIGPIPE);
+  ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
   const auto begin = std::chrono::steady_clock::now();
   if (!Drain()) abandoned_.store(true, std::memory_order_relaxed);
   stopping_.store(true, std::memory_order_seq_cst);
