@@ -94,9 +94,10 @@ class Custom_type_deserialize_dispatcher {
     deserialize_with_tag(buffer_, member, tag, properties_, tags_, recordEnd_);
   }
 
-  /// A member without a tag.
+  /// A member without a tag; it must be there.
   template <class T>
   [[gnu::always_inline]] void operator()(T& member) {
+    if (buffer_.offset() >= recordEnd_ && buffer_.remaining() > 0) failures::length_too_small();
     deserialize_without_tag(buffer_, member, properties_);
   }
 

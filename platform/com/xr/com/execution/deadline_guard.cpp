@@ -8,9 +8,9 @@ Deadline_guard::Deadline_guard(const unsigned long& deadline, std::function<void
     : deadline_{deadline}, onMissed_{std::move(onMissed)} {}
 
 Deadline_guard::~Deadline_guard() {
-  const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_);
-  const auto time = static_cast<unsigned long>(taken.count());
-  if (time <= deadline_ || !onMissed_) return;
+  const auto taken = std::chrono::steady_clock::now() - start_;
+  if (taken <= std::chrono::milliseconds{deadline_} || !onMissed_) return;
+  const auto time = static_cast<unsigned long>(std::chrono::duration_cast<std::chrono::milliseconds>(taken).count());
   try {
     onMissed_(time);
   } catch (...) {  // a report that fails must not end the process out of a destructor
