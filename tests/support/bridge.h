@@ -28,6 +28,7 @@ class Bridge {
   HttpClient Http() { return HttpClient{"127.0.0.1", Port()}; }
   WsClient Ws(std::string_view path = "/", const Headers& headers = {}) { return WsClient{"127.0.0.1", Port(), path, headers}; }
 
+  bool IsStarted() const { return process_ != nullptr; }
   Process& Program() { return *process_; }
   LogFile& Log() { return log_; }
   const NotifySocket& Manager() const { return manager_; }

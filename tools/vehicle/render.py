@@ -6,6 +6,7 @@ from pathlib import Path
 
 import jinja2
 
+sys.dont_write_bytecode = True
 HERE = Path(__file__).parent
 sys.path.insert(0, str(HERE.parent / "modelgen"))
 

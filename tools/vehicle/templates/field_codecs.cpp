@@ -4,11 +4,11 @@ namespace vehicle {
 
 std::span<const FieldCodec> FieldCodecs() {
   static constexpr std::array kCodecs{
-      //% for service in services
-      //% for field in service.fields
+      /*% for service in services %*/
+      /*% for field in service.fields %*/
       MakeCodec<${service.namespace}::datatypes::${field.record}>("${field.field}"),
-      //% endfor
-      //% endfor
+      /*% endfor %*/
+      /*% endfor %*/
   };
   return kCodecs;
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-//% for service in services
+/*% for service in services %*/
 #include "model/name_tables_${service.snake}.h"
 #include "model/records_${service.snake}.h"
-//% endfor
-
+/*% endfor %*/
 
 #include <array>
 #include <string_view>
@@ -15,17 +14,17 @@ namespace vehicle {
 template <class Record>
 struct MemberNames;
 
-//% for service in services
-//% for record, members in service.records.items()
+/*% for service in services %*/
+/*% for record, members in service.records.items() %*/
 template <>
 struct MemberNames<${service.namespace}::datatypes::${record}> {
   static constexpr std::array<std::string_view, ${members | length}> kNames{
-      //% for member in members
+      /*% for member in members %*/
       "${member.member}",
-      //% endfor
+      /*% endfor %*/
   };
 };
 
-//% endfor
-//% endfor
+/*% endfor %*/
+/*% endfor %*/
 }  // namespace vehicle
