@@ -1,0 +1,92 @@
+#include "tests/system/system_test.h"
+
+#include <cstdlib>
+
+namespace system_test {
+namespace {
+
+/// How often the vehicle dies and comes back; VEHICLE_LOSS_ROUNDS sets another number, for a long run.
+int Rounds() {
+  const char* given = std::getenv("VEHICLE_LOSS_ROUNDS");
+  return given ? std::atoi(given) : 4;
+}
+
+class VehicleLoss : public SystemTest {
+ protected:
+  /// A value of this round, told over UDP and over TCP, reaches the subscriber.
+  void ExpectNotificationsToArrive(test_support::WsClient& ws, int round) {
+    Set("batteryPreconditioningEnergies", {{{"type", "batteryPreconditioningEnergy1"}, {"firstStop", 1000 + round}}});
+    EXPECT_TRUE(WaitForEvent(ws, "changed", "/ChargingManagementCore/batteryPreconditioningEnergies", {{"firstStop", 1000 + round}}));
+    Set("valueIndications", {{{"type", "chargingProcessInformationCurrentSoc"}, {"currentValue", round + 0.5}}});
+    EXPECT_TRUE(WaitForEvent(ws, "changed", "/ChargingManagementCore/valueIndications", {{"currentValue", round + 0.5}}));
+  }
+
+  void ExpectAPostToFailInTime(const std::string& path) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Http().Post(path, R"({"currentValue": 50})").status, 500U);
+    EXPECT_LT(SecondsSince(start), 1.6);
+  }
+
+  void ExpectReturnInTime() {
+    vehicle_->Start();
+    EXPECT_TRUE(WaitFor([this] { return AnnouncedServices() == 2; }, 1000ms)) << "not registered within a second of the first offer";
+    const auto delay = vehicle_->WaitUntilSubscribed();
+    ASSERT_TRUE(delay) << "not all fields are subscribed again";
+    EXPECT_LT(*delay, 1.0) << "seconds from the first offer to the last subscription";
+  }
+};
+
+TEST_F(VehicleLoss, TheBridgeGetsOverDeathAndReturnOfTheVehicle) {
+  StartBoth();
+  const auto element = WaitForElement("valueControls", "immediateChargingOptionsTargetSoc", {{"currentValue", 80}});
+  ASSERT_TRUE(element);
+  const auto path = (*element)["uri"].get<std::string>();
+  auto ws = bridge_.Ws();
+  ws.Subscribe("/ChargingManagementCore");
+  for (int round = 0; round < Rounds() && !HasFailure(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    ExpectNotificationsToArrive(ws, 2 * round);
+    const auto death = std::chrono::steady_clock::now();
+    vehicle_->Kill();
+    ExpectAPostToFailInTime(path);
+    if (round % 2 == 0) {  // gone for longer than its offers last
+      EXPECT_TRUE(WaitFor([this] { return AnnouncedServices() == 0; }, 3500ms)) << "still announced";
+      EXPECT_LT(SecondsSince(death), 3.5);
+      ExpectAPostToFailInTime(path);
+    }
+    ExpectReturnInTime();
+    ExpectNotificationsToArrive(ws, 2 * round + 1);
+    EXPECT_EQ(Http().Post(path, R"({"currentValue": 55})").status, 200U);
+  }
+  EXPECT_EQ(bridge_.Log().Count("[SomeIp] Subscribed to Views resource.."), 1U) << "a return does not subscribe anew";
+}
+
+TEST_F(VehicleLoss, AGoodbyeIsNoticedAtOnceAndTheOtherServiceStands) {
+  StartBoth();
+  vehicle_->Command({{"stopOffer", "ChargingManagementCore"}});
+  EXPECT_TRUE(WaitFor([this] { return AnnouncedServices() == 0; }, 1000ms));
+  const auto before = vehicle_->EventCount();
+  vehicle_->Command({{"offer", "ChargingManagementCore"}});
+  EXPECT_TRUE(WaitFor([this] { return AnnouncedServices() == 2; }, 1000ms));
+  EXPECT_TRUE(vehicle_->WaitForEvent("subscribed", "views", before));
+  Set("targetSocChargings", {{{"type", "targetSocCharging"}, {"targetSoc", 61}}});
+  EXPECT_TRUE(WaitForElement("valueControls", "immediateChargingOptionsNavTargetSoc", {{"currentValue", 61}}));
+  EXPECT_FALSE(vehicle_->WaitForEvent("subscribed", "targetSocChargings", before, 0ms)) << "the service that stayed was subscribed anew";
+}
+
+TEST_F(VehicleLoss, BrokenConnectionsAreMadeAgainWithTheirSubscriptions) {
+  StartBoth();
+  for (int round = 0; round < 3; ++round) {
+    const auto before = vehicle_->EventCount();
+    vehicle_->Command({{"breakTcp", true}});
+    for (const char* field : {"switchControls", "valueControls", "valueIndications"})
+      ASSERT_TRUE(vehicle_->WaitForEvent("subscribed", field, before)) << field;
+    EXPECT_FALSE(vehicle_->WaitForEvent("subscribed", "views", before, 0ms)) << "a UDP field was subscribed anew";
+  }
+  Set("valueIndications", {{{"type", "chargingProcessInformationCurrentSoc"}, {"currentValue", 7.5}}});
+  EXPECT_TRUE(WaitForElement("valueIndications", "chargingProcessInformationCurrentSoc", {{"currentValue", 7.5}}));
+  EXPECT_EQ(AnnouncedServices(), 2U);
+}
+
+}  // namespace
+}  // namespace system_test

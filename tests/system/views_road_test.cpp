@@ -1,0 +1,116 @@
+#include "tests/system/system_test.h"
+
+namespace system_test {
+namespace {
+
+/// The road of a view, from the vehicle to clients and back.
+class ViewsRoad : public SystemTest {
+ protected:
+  void SetUp() override { StartBoth(); }
+
+  /// Has the vehicle ask for the popup, and gives the element.
+  json ShowPopup() {
+    Set("views", Popup("newRequest"));
+    const auto element = WaitForElement("views", "popup", {{"visibility", "newRequest"}});
+    EXPECT_TRUE(element) << "the view does not come in";
+    return element.value_or(json::object());
+  }
+  test_support::HttpResponse Post(const json& element, const json& body) {
+    return Http().Post(element.value("uri", "/"), body.is_string() ? body.get<std::string>() : body.dump());
+  }
+};
+
+TEST_F(ViewsRoad, ASubscriberHearsAViewEnterChangeAndLeaveAndComeBackUnderAnotherId) {
+  auto ws = bridge_.Ws();
+  EXPECT_EQ(ws.Subscribe(kViews)["data"], json::array());
+  Set("views", Popup("newRequest"));
+  const auto added = WaitForEvent(ws, "added", kViews);
+  ASSERT_TRUE(added);
+  const auto path = (*added)["path"].get<std::string>();
+  EXPECT_EQ(Http().Get(path).Json(), (*added)["data"]);
+  EXPECT_EQ((*added)["data"]["content"], "chargingInformationScreen");
+
+  Set("views", Popup("requestedViewVisible"));
+  const auto changed = WaitForEvent(ws, "changed", path);
+  ASSERT_TRUE(changed);
+  EXPECT_EQ((*changed)["data"]["visibility"], "requestedViewVisible");
+
+  Set("views", {{{"type", "popup"}, {"content", "nothing"}}});
+  ASSERT_TRUE(WaitForEvent(ws, "removed", path));
+  EXPECT_EQ(Http().Get(path).status, 404U);
+
+  Set("views", Popup("newRequest"));
+  const auto again = WaitForEvent(ws, "added", kViews);
+  ASSERT_TRUE(again);
+  EXPECT_NE((*again)["path"], path);
+}
+
+TEST_F(ViewsRoad, APostIsAnsweredWithTheNewValueOnceTheVehicleHasTakenIt) {
+  const auto view = ShowPopup();
+  Fault("views", {{"set", {{"delay", 0.4}}}});
+  const auto start = std::chrono::steady_clock::now();
+  const auto answer = Post(view, {{"visibility", "requestedViewObstructed"}});
+  EXPECT_GE(SecondsSince(start), 0.4) << "answered before the vehicle had";
+  EXPECT_EQ(answer.status, 200U);
+  EXPECT_EQ(answer.Json()["visibility"], "requestedViewObstructed");
+  EXPECT_EQ(answer.Json()["id"], view["id"]);
+  const auto set = vehicle_->WaitForEvent("set", "views");
+  ASSERT_TRUE(set);
+  EXPECT_EQ((*set)["value"], json::parse(R"([{"type": "popup", "visibility": "requestedViewObstructed"}])"));
+}
+
+TEST_F(ViewsRoad, WrongPostsAreRefusedAndNeverReachTheVehicle) {
+  const auto view = ShowPopup();
+  const std::tuple<json, unsigned, const char*> wrong[] = {
+      {{{"visibility", "requestedViewVisible"}, {"content", "nothing"}}, 409, "Conflict: not allowed parameter(s) included"},
+      {{{"visibility", 1}}, 400, "Bad Message"},
+      {{{"visibility", "visible"}}, 400, "Bad Request: value not in allowed range"},
+      {json::object(), 400, "Bad Request"},
+      {"{\"visibility\":", 400, ""}};
+  for (const auto& [body, status, detail] : wrong) {
+    const auto answer = Post(view, body);
+    EXPECT_EQ(answer.status, status) << body;
+    if (*detail) {
+      EXPECT_EQ(answer.Json()["detail"], detail) << body;
+    }
+  }
+  EXPECT_EQ(Http().Get(view["uri"].get<std::string>()).Json(), view);
+  EXPECT_EQ(Post(view, {{"visibility", "requestedViewVisible"}}).status, 200U);
+  const auto set = vehicle_->WaitForEvent("set", "views");
+  ASSERT_TRUE(set);
+  EXPECT_EQ((*set)["value"][0]["visibility"], "requestedViewVisible") << "a refused one was sent";
+}
+
+TEST_F(ViewsRoad, ASilentVehicleCostsAnInternalErrorAndChangesNothing) {
+  const auto view = ShowPopup();
+  Fault("views", {{"set", "silent"}});
+  const auto start = std::chrono::steady_clock::now();
+  const auto answer = Post(view, {{"visibility", "requestedViewVisible"}});
+  EXPECT_LT(SecondsSince(start), 1.6);
+  EXPECT_EQ(answer.status, 500U);
+  EXPECT_EQ(answer.Json()["detail"], "Internal Server Error");
+  EXPECT_EQ(Http().Get(view["uri"].get<std::string>()).Json(), view);
+  EXPECT_TRUE(bridge_.Log().WaitForLine("[SomeIp][Zuva -> Someip] Views Set timeout."));
+}
+
+TEST_F(ViewsRoad, AnErrorAnswerOfTheVehicleIsAnAnswer) {
+  // What a set's answer says is not looked at; that it came in time is what counts.
+  const auto view = ShowPopup();
+  Fault("views", {{"set", {{"error", 32}}}});
+  EXPECT_EQ(Post(view, {{"visibility", "requestedViewVisible"}}).status, 200U);
+  Fault("views", {{"set", {{"payload", "ff ff"}}}});
+  EXPECT_EQ(Post(view, {{"visibility", "requestedViewObstructed"}}).status, 200U);
+}
+
+TEST_F(ViewsRoad, AWebSocketSetTakesTheSameRoad) {
+  const auto view = ShowPopup();
+  auto ws = bridge_.Ws();
+  const auto answer = ws.Ask({{"action", "set"}, {"path", view["uri"]}, {"value", {{"visibility", "requestedViewVisible"}}}});
+  EXPECT_EQ(answer["status"], 200) << answer;
+  EXPECT_EQ(answer["data"]["visibility"], "requestedViewVisible");
+  const auto refused = ws.Ask({{"action", "set"}, {"path", view["uri"]}, {"value", {{"type", "popup"}}}});
+  EXPECT_EQ(refused["error"]["number"], 409) << refused;
+}
+
+}  // namespace
+}  // namespace system_test
