@@ -54,11 +54,12 @@ constexpr PostRow kResetRow{
     .other = {.line = "[Zuva][Zuva -> SomeIp] ResetToFactory Failed due to invalid enum status"},
 };
 
-/// The posted value; its kind has been checked before.
+/// The posted value, none if the field is missing or of another kind.
 template <class T>
 Opt<typename T::ValueType> Posted(const ogm::Object& posted, std::string_view name) {
-  if (!posted.HasField(name)) return {};
-  return ogm::Get<T>(posted, name).GetValue();
+  const ogm::Field* const field = posted.Find(name);
+  if (!field || !field->HasValue() || field->GetValue().GetType() != T::kKind) return {};
+  return static_cast<const T&>(field->GetValue()).GetValue();
 }
 
 bool Contains(const std::vector<std::string>& words, const std::string& word) {
@@ -209,9 +210,10 @@ PostStatus TROVZuVaServer::ResetFactory_POSThandler(const ogm::Object& posted, s
   return Ask("ResetToFactoryData", [](auto& mediator) { return mediator.TellSomeIpToUpdate_ResetStatus(Word{"origin"}); });
 }
 
+// Both come before the object check: a value that is no text at all is in neither list.
 bool TROVZuVaServer::Startstopcharging_POSThandler(const ogm::Object& posted) const {
   const Word value = Posted<ogm::String>(posted, "switchValue");
-  return value.has_value() && !Contains(actionWords_, value.value());
+  return posted.HasField("switchValue") && !(value.has_value() && Contains(actionWords_, value.value()));
 }
 
 bool TROVZuVaServer::Plugflaplockstate_POSThandler(const ogm::Object& posted) const {

@@ -117,11 +117,12 @@ void TROVZuVaServer::Update_BidirectionalChargingModes(types::BidirectionalCharg
 void TROVZuVaServer::Update_NavTargetSoc(const std::uint8_t& targetSoc) {
   const auto option = FindByType<ImmediateChargingOptionObject>(*Server().GetChargingManagementCoreImmediateChargingOptions(),
                                                                 Word{"immediateChargingOption"});
-  if (!option) {
+  const auto control = option ? std::static_pointer_cast<ValueControlObject>(option->FindEmbedded("navTargetSoc")) : nullptr;
+  if (!control) {
     logger_.LogInfo() << "[ZuVa][RBEC -> Zuva] Can't find navtargetsoc object. Exiting method.";
     return;
   }
-  std::static_pointer_cast<ValueControlObject>(option->FindEmbedded("navTargetSoc"))->SetCurrentValue(targetSoc);
+  control->SetCurrentValue(targetSoc);
 }
 
 }  // namespace trov::zuvaServer

@@ -1,0 +1,133 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "ara/log/testing/capture.h"
+#include "tests/support/wait_for.h"
+#include "tests/unit/rest/application.h"
+
+namespace rest_test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kCore = "/ChargingManagementCore/";
+
+std::vector<std::string> Types(Application& application, const std::string& resource) {
+  std::vector<std::string> types;
+  for (const auto& object : application.Get(kCore + resource)) types.push_back(object["type"]);
+  return types;
+}
+
+TEST(Population, FillsTheResources) {
+  const auto application = Application::Populated();
+  const auto totals = nlohmann::json::parse(R"({"valueControls":14,"valueIndications":21,"switchControls":8,"notificationMarkers":3,
+      "notifications":6,"chargingProcessInformation":1,"pastErrorInformation":3,"batteryCareModes":1,"bidirectionalChargingModes":1,
+      "oruUpdateApprovals":1,"immediateChargingOptions":1,"immediateActions":1,"batteryPreconditioningEnergies":1,
+      "batteryPreconditionings":1,"views":0,"chargingPlugs":0,"chargeModes":0,"statistics":0})");
+  for (const auto& [resource, total] : totals.items()) EXPECT_EQ(application->Get(kCore + resource).size(), total) << resource;
+  std::set<std::string> identifiers;
+  for (const auto& object : application->Get(kCore + std::string{"valueControls"})) {
+    EXPECT_EQ(object.size(), 4U) << object;
+    EXPECT_EQ(object["name"], "ValueControlObject");
+    EXPECT_EQ(object["uri"], kCore + ("valueControls/" + object["id"].get<std::string>()));
+    identifiers.insert(object["id"]);
+  }
+  EXPECT_EQ(identifiers.size(), 14U);
+  const auto reset = application->Get("/FactoryReset/resets")[0];
+  EXPECT_EQ(reset["name"], "ChargingManagementCore");
+  EXPECT_EQ(reset["category"], "eCharging");
+}
+
+TEST(Population, ShowsCompositesInTheirOwnOrder) {
+  const auto application = Application::Populated();
+  EXPECT_THAT(Types(*application, "valueIndications")[7], "chargingProcessInformationRemainingChargeTimeFull");
+  std::vector<std::string> embedded;
+  const auto process = application->Object("chargingProcessInformation", "chargingProcessInformation");
+  for (const auto& [name, value] : process.items()) {
+    if (value.is_object()) embedded.push_back(name);
+  }
+  EXPECT_THAT(embedded, ElementsAre("currentSoc", "remainingChargeTimeBulk", "remainingChargeTimeComplete", "remainingChargeTimeFull",
+                                    "remainingChargeTimeNav", "chargeEnergy", "chargeRate", "chargePower", "maxPowerChargingStation",
+                                    "maxPowerDc", "maxPowerAc", "maxChargePowerCurrent", "maxChargePowerOptimalTemperature"));
+  const auto marker = application->Object("notificationMarkers", "notificationMarker2");
+  EXPECT_EQ(marker["notificationRangeValue"]["type"], "notificationMarker2notificationRangeValue");
+  const auto preconditioning = application->Object("batteryPreconditionings", "batteryPreconditioning");
+  EXPECT_EQ(preconditioning["batteryTemperature"]["type"], "batteryPreconditioningBatteryTemperature");
+}
+
+TEST(ServerCore, StartsInOrderAndPublishesItsServices) {
+  Application application;
+  const ara::log::testing::Capture log;
+  application.StartServer();
+  EXPECT_THAT(log.Lines(), ElementsAre("Starting the server population...", "Registered preupdate callbacks...",
+                                       "Removing zuva server service ResetToFactoryData...", "Starting ZuVa server...",
+                                       "Starting SomeIP listeners...", "Completed start of SomeIP listeners..."));
+  EXPECT_EQ(application.Get("/ChargingManagementCore")["versions"], nlohmann::json::array({"0.10.1"}));
+  EXPECT_EQ(application.Get("/FactoryReset")["versions"], nlohmann::json::array({"1.3.0"}));
+  EXPECT_EQ(application.Get("/")["services"].size(), 2U);
+  EXPECT_EQ(application.Get("/ChargingManagementCore")["resources"].size(), 18U);
+  EXPECT_EQ(application.Status("/ChargingManagementCore/resetToFactoryData"), 404);
+  EXPECT_EQ(application.Server().GetChargingManagementCoreResetToFactoryData()->GetName(), "resetToFactoryData") << "alive, but unreached";
+  EXPECT_TRUE(application.StopServer());
+  EXPECT_THAT(TheOutside().Lines(),
+              ElementsAre("serve", "listeners start", "withdraw ChargingManagementCore", "withdraw FactoryReset", "stop"));
+}
+
+TEST(ServerCore, ReportsAFailedStartByLogAlone) {
+  struct Broken : RecordingMediator {
+    void TellSomeIpToStartListener() override { throw std::runtime_error{"no listener"}; }
+  };
+  Application application;
+  application.SetCommunicationsManager(std::make_shared<Broken>());
+  const ara::log::testing::Capture log;
+  application.StartServer();
+  EXPECT_EQ(log.Lines().back(), "Failed to start server:no listener");
+  EXPECT_EQ(application.Status("/ChargingManagementCore/views"), 200) << "what was reached stays";
+}
+
+TEST(ServerCoreDeathTest, NullServerIsTheEndOfTheProcess) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const ara::log::testing::Capture log;
+  Application application{kWrongConfiguration};
+  EXPECT_THAT(log.Lines(), ElementsAre("Failed to start server: Make for ZuVa threw exception"));
+  EXPECT_DEATH(application.StartServer(), "terminate");
+}
+
+TEST(Registry, AnnouncesAndWithdrawsBothServices) {
+  Application application;
+  application.Update_Registry(true);
+  const auto lines = [](std::size_t count) {
+    test_support::WaitFor([&] { return TheOutside().Lines().size() == count; });
+    return TheOutside().Lines();
+  };
+  EXPECT_THAT(lines(2),
+              testing::UnorderedElementsAre("announce ChargingManagementCore at http://[::1]/", "announce FactoryReset at http://[::1]/"));
+  application.Update_Registry(false);
+  EXPECT_THAT(lines(4), testing::IsSupersetOf({"withdraw ChargingManagementCore", "withdraw FactoryReset"}));
+}
+
+TEST(Registry, NextChangeWaitsForTheFormerOne) {
+  Application application;
+  TheOutside().SetGate(false);
+  application.Update_Registry(true);
+  auto second = std::async(std::launch::async, [&] { application.Update_Registry(false); });
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds{50}), std::future_status::timeout);
+  EXPECT_THAT(TheOutside().Lines(), IsEmpty());
+  TheOutside().SetGate(true);
+  second.get();
+  test_support::WaitFor([] { return TheOutside().Lines().size() == 4; });
+  const auto lines = TheOutside().Lines();
+  const auto place = [&](const char* line) { return std::find(lines.begin(), lines.end(), line) - lines.begin(); };
+  EXPECT_LT(place("announce ChargingManagementCore at http://[::1]/"), place("withdraw ChargingManagementCore"));
+  EXPECT_LT(place("announce FactoryReset at http://[::1]/"), place("withdraw FactoryReset"));
+}
+
+}  // namespace
+}  // namespace rest_test
