@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "xr/com/client_port.h"
@@ -29,7 +30,7 @@ struct Call {
   /// To be called once, by whoever took the call off the table, and with no lock held.
   void complete(cpp_binding::proxy::Reply reply) {
     ready = true;  // first: the completion wakes those who ask
-    completion(std::move(reply));
+    std::exchange(completion, nullptr)(std::move(reply));
   }
 };
 

@@ -27,7 +27,7 @@ class Search_delays {
 
  private:
   wire::Discovery_deployment settings_;
-  std::minstd_rand random_;
+  std::mt19937 random_;
   unsigned sent_ = 0;
 };
 

@@ -124,11 +124,12 @@ void Service_port::end_gets(unsigned char code, std::optional<bool> reliable) {
 }
 
 void Service_port::expire_calls() {
-  Call_table::Calls expired;  // their completions are destroyed outside the lock
+  Call_table::Calls expired;
   {
     const std::lock_guard lock{mutex_};
     expired = calls_.take_expired(Call::Time::clock::now());
   }
+  for (const auto& call : expired) call->completion = nullptr;  // its handle may live on, what the completion holds must not
   watch_calls();
 }
 

@@ -47,11 +47,11 @@ struct Sd_entry {
   std::uint16_t service = 0;
   std::uint16_t instance = 0;
   std::uint8_t major = 0;
-  std::uint32_t ttl = 0;         ///< seconds, 24 bits
-  std::uint32_t minor = 0;       ///< of find and offer
-  std::uint16_t eventgroup = 0;  ///< of subscribe and its ack
-  std::uint8_t counter = 0;      ///< of subscribe and its ack, 4 bits
-  std::vector<Option> options;   ///< at most 15 when encoded
+  std::uint32_t ttl = 0;          ///< seconds, 24 bits
+  std::uint32_t minor = 0;        ///< of find and offer
+  std::uint16_t eventgroup = 0;   ///< of subscribe and its ack
+  std::uint8_t counter = 0;       ///< of subscribe and its ack, 4 bits
+  std::vector<Option> options{};  ///< at most 15 when encoded
 
   friend bool operator==(const Sd_entry&, const Sd_entry&) = default;
 };
@@ -60,7 +60,7 @@ struct Sd_message {
   std::uint16_t session = 0;
   bool reboot = false;
   bool unicast = true;
-  std::vector<Sd_entry> entries;
+  std::vector<Sd_entry> entries{};
   std::size_t dropped_entries = 0;  ///< how many entries of a received message refer to options that it does not have
 };
 

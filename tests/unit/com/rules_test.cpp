@@ -1,0 +1,152 @@
+// The rules of instances, calls and subscriptions, with time and peers made by hand.
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "xr/com/transport/call_table.h"
+#include "xr/com/transport/known_instances.h"
+#include "xr/com/transport/search.h"
+#include "xr/com/transport/subscription_book.h"
+
+namespace xr::com::transport {
+namespace {
+
+using namespace std::chrono_literals;
+using cpp_binding::proxy::Method_kind;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Change = Known_instances::Change;
+using State = Subscription_book::State;
+
+constexpr Instance_key kKey{0x6310, 1};
+const Known_instances::Time kStart{1000s};
+
+Offer offer_of(const char* address, std::uint16_t port = 4711) {
+  const auto host = boost::asio::ip::make_address_v4(address);
+  return {{host, 30490, wire::Protocol::udp}, wire::Endpoint{host, port, wire::Protocol::udp}, {}};
+}
+
+TEST(KnownInstances, AnotherHostWaitsUntilTheTimeOfTheFirstEnds) {
+  Known_instances known;
+  EXPECT_EQ(known.offer(kKey, offer_of("127.0.0.2"), 3, kStart), Change::appeared);
+  EXPECT_EQ(known.offer(kKey, offer_of("127.0.0.3"), 3, kStart + 2s), Change::foreign_host);
+  EXPECT_FALSE(known.withdraw(kKey, offer_of("127.0.0.3").peer));
+  EXPECT_EQ(known.next_expiry(), kStart + 3s) << "the foreign offer prolongs nothing";
+  EXPECT_EQ(known.expire(kStart + 3s), kKey);
+  EXPECT_EQ(known.offer(kKey, offer_of("127.0.0.3"), 3, kStart + 3s), Change::appeared);
+}
+
+TEST(KnownInstances, RepeatedOffersProlongAndOtherEndpointsAreToldApart) {
+  Known_instances known;
+  known.offer(kKey, offer_of("127.0.0.2"), 3, kStart);
+  EXPECT_EQ(known.offer(kKey, offer_of("127.0.0.2"), 3, kStart + 2s), Change::repeated);
+  EXPECT_EQ(known.expire(kStart + 4s), std::nullopt);
+  EXPECT_EQ(known.offer(kKey, offer_of("127.0.0.2", 4712), wire::kTtlForever, kStart + 4s), Change::moved);
+  EXPECT_EQ(known.find(kKey)->udp->port, 4712);
+  EXPECT_EQ(known.next_expiry(), std::nullopt) << "for ever";
+}
+
+TEST(KnownInstances, HaveABound) {
+  Known_instances known;
+  for (std::uint16_t i = 1; i <= Known_instances::kMaximum; ++i) known.offer({1, i}, offer_of("127.0.0.2"), 3, kStart);
+  EXPECT_EQ(known.offer({2, 1}, offer_of("127.0.0.2"), 3, kStart), Change::full);
+  EXPECT_EQ(known.offer({1, 1}, offer_of("127.0.0.2"), 3, kStart), Change::repeated);
+}
+
+TEST(Search, WaitsInTheWindowThenDoublesThenIsQuiet) {
+  auto settings = wire::default_deployment().discovery;
+  std::set<std::int64_t> first;
+  for (unsigned seed = 0; seed < 50; ++seed) {
+    Search_delays delays{settings, seed};
+    first.insert(delays.next()->count());
+    EXPECT_EQ(delays.next(), 100ms);
+    EXPECT_EQ(delays.next(), 200ms);
+    EXPECT_EQ(delays.next(), 400ms);
+    EXPECT_EQ(delays.next(), std::nullopt);
+  }
+  EXPECT_GE(*first.begin(), 10);
+  EXPECT_LE(*first.rbegin(), 50);
+  EXPECT_GT(first.size(), 5U) << "a random delay";
+}
+
+std::shared_ptr<Call> call_of(Method_kind kind, bool reliable, Call::Time deadline = {}) {
+  auto call = std::make_shared<Call>();
+  call->kind = kind;
+  call->reliable = reliable;
+  call->method = 7;
+  call->deadline = deadline;
+  return call;
+}
+
+TEST(CallTable, WrapsPastZeroAndPastSessionsInUse) {
+  Call_table table;
+  const auto lasting = call_of(Method_kind::get, false);
+  EXPECT_EQ(table.add(lasting), 1);
+  for (int i = 2; i <= 0xFFFF; ++i) {
+    const auto call = call_of(Method_kind::get, false);
+    const auto session = table.add(call);
+    ASSERT_EQ(session, i);
+    table.remove(*session, call.get());
+  }
+  EXPECT_EQ(table.add(call_of(Method_kind::get, false)), 2);
+  EXPECT_EQ(table.find(1, 7), lasting);
+  EXPECT_EQ(table.find(1, 8), nullptr) << "an answer to another method";
+}
+
+TEST(CallTable, TakesGetsByProtocolAndLeavesSets) {
+  Call_table table;
+  const auto udp = call_of(Method_kind::get, false), tcp = call_of(Method_kind::get, true), set = call_of(Method_kind::set, true, kStart);
+  for (const auto& call : {udp, tcp, set}) table.add(call);
+  EXPECT_THAT(table.take_gets(true), ElementsAre(tcp));
+  EXPECT_THAT(table.take_gets(), ElementsAre(udp));
+  EXPECT_EQ(table.next_deadline(), kStart);
+  EXPECT_THAT(table.take_expired(kStart - 1ms), IsEmpty());
+  EXPECT_THAT(table.take_expired(kStart), ElementsAre(set));
+}
+
+struct Book : testing::Test {
+  static bool all(std::uint16_t) { return true; }
+  std::vector<std::uint16_t> due() { return book.take_due(all); }
+
+  std::vector<State> states;
+  Subscription_book book{3, [this](std::uint16_t, State state) { states.push_back(state); }};
+};
+
+TEST_F(Book, KeepsWhatIsWantedOverALoss) {
+  book.want(1);
+  EXPECT_THAT(due(), ElementsAre(1));
+  EXPECT_THAT(due(), IsEmpty());
+  book.acknowledged(1);
+  book.drop(all);
+  book.renew();
+  book.drop(all);
+  EXPECT_THAT(due(), IsEmpty()) << "nobody is there";
+  book.restart(all);
+  EXPECT_THAT(due(), ElementsAre(1));
+  EXPECT_THAT(states, ElementsAre(State::pending, State::subscribed, State::not_subscribed, State::pending));
+}
+
+TEST_F(Book, WhatWasRefusedWaitsForTheNextOffer) {
+  book.want(0);
+  book.want(2);
+  due();
+  book.acknowledged(0);
+  book.refused(2);
+  book.renew();
+  EXPECT_THAT(due(), ElementsAre(0));
+  book.retry_refused();
+  EXPECT_THAT(due(), ElementsAre(2));
+}
+
+TEST_F(Book, WhatCannotGoNowStaysDue) {
+  book.want(0);
+  EXPECT_THAT(book.take_due([](std::uint16_t) { return false; }), IsEmpty());
+  EXPECT_THAT(due(), ElementsAre(0));
+  EXPECT_TRUE(book.unwant(0));
+  book.acknowledged(0);  // a late one
+  EXPECT_FALSE(book.unwant(0));
+  EXPECT_THAT(states, ElementsAre(State::pending, State::not_subscribed));
+}
+
+}  // namespace
+}  // namespace xr::com::transport
