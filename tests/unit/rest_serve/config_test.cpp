@@ -1,0 +1,80 @@
+#include "serve/config.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/unit/rest_serve/served_tree.h"
+
+namespace zuva::serve {
+namespace {
+
+using test::StagingRoot;
+
+std::string FaultOf(std::string_view text) {
+  try {
+    ParseConfig(text);
+    return "";
+  } catch (const ConfigError& e) {
+    return e.what();
+  }
+}
+
+std::string WithListen(const std::string& more) {
+  return R"({"listen":[{"address":"::1","port":8080}],)" + more + "}";
+}
+
+TEST(Config, AbsentKeysHaveTheirDefaultsAndGivenOnesCount) {
+  const auto config = ParseConfig(WithListen(R"("requestThreads":3,"allowedHosts":["Car.Local"],"limits":{"bodyBytes":100})"));
+  EXPECT_EQ(config.listen.at(0).port, 8080);
+  EXPECT_EQ(config.requestThreads, 3U);
+  EXPECT_EQ(config.allowedHosts, std::vector<std::string>{"car.local"});
+  EXPECT_EQ(config.limits.bodyBytes, 100U);
+  EXPECT_EQ(config.limits.pendingBytesPerClient, 1048576U);
+}
+
+struct BadConfig {
+  std::string name, text, named;
+};
+
+class BadConfigs : public testing::TestWithParam<BadConfig> {};
+
+TEST_P(BadConfigs, AreRefusedByName) {
+  const auto fault = FaultOf(GetParam().text);
+  EXPECT_FALSE(fault.empty());
+  EXPECT_NE(fault.find(GetParam().named), std::string::npos) << fault;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Config, BadConfigs,
+    testing::Values(BadConfig{"NoJson", "{", "parse"}, BadConfig{"NoObject", "[]", "object"}, BadConfig{"NoListen", "{}", "listen"},
+                    BadConfig{"EmptyListen", R"({"listen":[]})", "listen"},
+                    BadConfig{"UnknownKey", WithListen(R"("lissten":1)"), "lissten"},
+                    BadConfig{"RepeatedKey", WithListen(R"("requestThreads":1,"requestThreads":2)"), "requestThreads"},
+                    BadConfig{"WrongKind", WithListen(R"("requestThreads":"four")"), "requestThreads"},
+                    BadConfig{"Fraction", WithListen(R"("requestThreads":1.5)"), "requestThreads"},
+                    BadConfig{"Zero", WithListen(R"("limits":{"connections":0})"), "limits.connections"},
+                    BadConfig{"Negative", WithListen(R"("limits":{"idleSeconds":-1})"), "limits.idleSeconds"},
+                    BadConfig{"UnknownLimit", WithListen(R"("limits":{"bodyBites":1})"), "limits.bodyBites"},
+                    BadConfig{"NoAddress", R"({"listen":[{"address":"localhost","port":1}]})", "listen[0].address"},
+                    BadConfig{"NoPort", R"({"listen":[{"address":"::1"}]})", "listen[0].port"},
+                    BadConfig{"PortTooLarge", R"({"listen":[{"address":"::1","port":65536}]})", "listen[0].port"},
+                    BadConfig{"NoOrigin", WithListen(R"("allowedOrigins":["car.local"])"), "allowedOrigins[0]"},
+                    BadConfig{"OriginWithPath", WithListen(R"("allowedOrigins":["http://car/x"])"), "allowedOrigins[0]"},
+                    BadConfig{"Tls", WithListen(R"("tls":{})"), "tls"}, BadConfig{"Registry", WithListen(R"("registry":{})"), "registry"}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+TEST(Config, AWrongFileIsOneErrorLineWithFileAndReasonAndNoServer) {
+  const StagingRoot root;
+  for (const bool exists : {false, true}) {
+    if (exists) root.Write(WithListen(R"("lissten":1)"));
+    const ara::log::testing::Capture capture;
+    EXPECT_ANY_THROW(Server("test", StagingRoot::kConfig));
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].level, ara::log::LogLevel::kError);
+    EXPECT_NE(records[0].text.find(StagingRoot::kConfig), std::string::npos);
+    EXPECT_NE(records[0].text.find(exists ? "lissten" : "No such file"), std::string::npos) << records[0].text;
+  }
+}
+
+}  // namespace
+}  // namespace zuva::serve

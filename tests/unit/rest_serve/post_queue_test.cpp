@@ -1,0 +1,83 @@
+#include "serve/post_queue.h"
+
+#include <algorithm>
+#include <atomic>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/unit/rest_serve/served_tree.h"
+
+namespace zuva::serve {
+namespace {
+
+class Task final : public PostTask {
+ public:
+  explicit Task(std::shared_ptr<test::Gate> gate) : gate_{std::move(gate)} {}
+  void Run() noexcept override { gate_->Pass(); }
+  void Finish() noexcept override { finished = true; }
+  void Refuse() noexcept override { refused = true; }
+
+  bool finished = false;
+  bool refused = false;
+
+ private:
+  std::shared_ptr<test::Gate> gate_;
+};
+
+class PostQueueTest : public testing::Test {
+ protected:
+  std::shared_ptr<Task> Make() const { return std::make_shared<Task>(gate); }
+  template <class Condition>
+  bool RunUntil(Condition condition) {
+    return test::WaitFor([&] {
+      io.poll();
+      io.restart();
+      return condition();
+    });
+  }
+
+  const int one = 1, two = 2, three = 3;  // resources
+  std::shared_ptr<test::Gate> gate = std::make_shared<test::Gate>();
+  boost::asio::io_context io;
+  RequestPool pool{3};
+  PostQueue queue{io, pool, 2};
+};
+
+TEST_F(PostQueueTest, AMuteResourceTakesTwoThreadsAndNoMore) {
+  std::vector<std::shared_ptr<Task>> mute{Make(), Make(), Make()};
+  for (const auto& task : mute) EXPECT_TRUE(queue.Submit(&one, task));
+  const auto other = Make();
+  EXPECT_TRUE(queue.Submit(&two, other));
+  ASSERT_TRUE(gate->WaitForGuests(3)) << "the third thread is free for another resource";
+  EXPECT_TRUE(queue.Submit(&three, Make())) << "waits for a thread";
+  EXPECT_FALSE(queue.Submit(&three, Make())) << "the queue is full";
+  gate->Open();
+  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
+  EXPECT_TRUE(other->finished && std::all_of(mute.begin(), mute.end(), [](const auto& task) { return task->finished && !task->refused; }));
+  EXPECT_EQ(gate->Guests(), 5U);
+}
+
+TEST_F(PostQueueTest, WhatWaitsTooLongIsRefusedUnrun) {
+  const std::vector<std::shared_ptr<Task>> tasks{Make(), Make(), Make()};
+  for (const auto& task : tasks) queue.Submit(&one, task);
+  EXPECT_TRUE(RunUntil([&] { return tasks[2]->refused; }));
+  gate->Open();
+  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
+  EXPECT_EQ(gate->Guests(), 2U);
+  EXPECT_FALSE(tasks[2]->finished);
+}
+
+TEST_F(PostQueueTest, AClosedQueueRefusesButLetsRunningWorkEnd) {
+  const std::vector<std::shared_ptr<Task>> tasks{Make(), Make(), Make()};
+  for (const auto& task : tasks) queue.Submit(&one, task);
+  queue.Close();
+  EXPECT_TRUE(tasks[2]->refused);
+  EXPECT_FALSE(queue.Submit(&two, Make()));
+  gate->Open();
+  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
+  EXPECT_TRUE(tasks[0]->finished && tasks[1]->finished);
+}
+
+}  // namespace
+}  // namespace zuva::serve

@@ -1,0 +1,119 @@
+#include "tests/unit/rest_serve/served_tree.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+namespace zuva::serve::test {
+namespace {
+
+ara::rest::Uri UriOf(const std::string& text) {
+  return ara::rest::Uri::Builder{text, ara::rest::GetDefaultAllocator()}.ToUri();
+}
+
+class TestService final : public ServerService {
+ public:
+  TestService() : ServerService{ara::rest::Uuid{}, UriOf("/S"), "S"} {}
+};
+
+class TestServer final : public Server {
+ public:
+  using Server::Server;
+};
+
+}  // namespace
+
+Things::Things(const std::string& path) : ServerResource{ara::rest::Uuid::MakeV5(path), UriOf(path), path.substr(path.rfind('/') + 1)} {}
+
+std::shared_ptr<ServerElement> Things::MakeElement(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri, std::string name) {
+  return std::make_shared<Thing>(uuid, uri, std::move(name));
+}
+
+std::shared_ptr<Thing> Things::AddThing(const std::string& type) {
+  const auto uuid = ara::rest::Uuid::MakeV4();
+  const auto thing = std::make_shared<Thing>(uuid, UriOf(GetUri().ToString() + "/" + uuid.ToString()), type);
+  thing->Set("type", type);
+  Add(thing);
+  return thing;
+}
+
+void Gate::Open() {
+  {
+    const std::lock_guard lock{mutex_};
+    open_ = true;
+  }
+  changed_.notify_all();
+}
+
+void Gate::Pass() {
+  std::unique_lock lock{mutex_};
+  ++guests_;
+  changed_.notify_all();
+  changed_.wait_for(lock, test_support::kPatience, [this] { return open_; });
+}
+
+bool Gate::WaitForGuests(unsigned count) {
+  std::unique_lock lock{mutex_};
+  return changed_.wait_for(lock, test_support::kPatience, [&] { return guests_ >= count; });
+}
+
+unsigned Gate::Guests() const {
+  const std::lock_guard lock{mutex_};
+  return guests_;
+}
+
+StagingRoot::StagingRoot() {
+  std::string place = (std::filesystem::temp_directory_path() / "serveXXXXXX").string();
+  if (!mkdtemp(place.data())) throw std::runtime_error{"no directory"};
+  path_ = place;
+  setenv("ARA_ROOT", place.c_str(), 1);
+}
+
+StagingRoot::~StagingRoot() {
+  unsetenv("ARA_ROOT");
+  std::filesystem::remove_all(path_);
+}
+
+void StagingRoot::Write(std::string_view config) const {
+  std::ofstream{path_.string() + kConfig} << config;
+}
+
+TestTree::TestTree(nlohmann::json settings, std::shared_ptr<ChangeSink> sink) {
+  nlohmann::json config{{"listen", {{{"address", "127.0.0.1"}, {"port", 0}}}}};
+  config.merge_patch(settings);
+  root.Write(config.dump());
+  server = std::make_shared<TestServer>("test", StagingRoot::kConfig);
+  if (sink) server->SetChangeSink(std::move(sink));
+  const auto service = std::make_shared<TestService>();
+  things = std::make_shared<Things>("/S/things");
+  others = std::make_shared<Things>("/S/others");
+  service->Add(things);
+  service->Add(others);
+  server->Add(service);
+}
+
+ServedTree::ServedTree(nlohmann::json settings) : TestTree{std::move(settings)} {
+  server->Start(false);
+  constexpr std::string_view kListening = "Listening on http://127.0.0.1:";
+  for (const auto& line : capture.Lines()) {
+    if (line.starts_with(kListening)) port = static_cast<std::uint16_t>(std::stoul(line.substr(kListening.size())));
+  }
+}
+
+void ServedTree::Guard(Thing& thing, std::shared_ptr<Gate> gate) {
+  thing.SetPreUpdateCallback([gate](auto, const ogm::Object& posted, ServerReply& reply) {
+    gate->Pass();
+    if (posted.HasField("throw")) throw std::runtime_error{"thrown by the callback"};
+    if (!posted.HasField("refuse")) return true;
+    reply.SendError("refused", static_cast<unsigned short>(ogm::Get<ogm::Int>(posted, "refuse").GetValue()));
+    return false;
+  });
+}
+
+bool ServedTree::Logged(std::string_view text) const {
+  const auto lines = capture.Lines();
+  return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
+}  // namespace zuva::serve::test
