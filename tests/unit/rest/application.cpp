@@ -4,11 +4,26 @@
 
 #include "ara/rest/serialize/json_serializer.h"
 #include "ara/rest/serialize/json_writer.h"
+#include "zuva/change_sink.h"
 #include "zuva/frontend.h"
 #include "zuva/request.h"
 
 namespace rest_test {
 namespace {
+
+Told told;  // by the test's own thread alone
+
+class CountingSink : public zuva::ChangeSink {
+ public:
+  void Added(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string,
+             std::shared_ptr<const zuva::ogm::Object>, std::string) override {
+    ++told.added;
+  }
+  void Changed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&) override { ++told.changed; }
+  void Removed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string) override {
+    ++told.removed;
+  }
+};
 
 class RecordingFrontend : public zuva::Frontend {
  public:
@@ -46,6 +61,10 @@ void Outside::Clear() {
 std::vector<std::string> Outside::Lines() const {
   const std::lock_guard lock{mutex_};
   return lines_;
+}
+
+Told TakeTold() {
+  return std::exchange(told, {});
 }
 
 Outside& TheOutside() {
@@ -131,7 +150,8 @@ nlohmann::ordered_json TreeOf(const zuva::BaseXObject& object) {
 }  // namespace rest_test
 
 // The tests' own serving side takes the place of the one with sockets.
-std::unique_ptr<zuva::Frontend> zuva::MakeFrontend(Server&, const std::string& configPath) {
+std::unique_ptr<zuva::Frontend> zuva::MakeFrontend(Server& tree, const std::string& configPath) {
   if (configPath == rest_test::kWrongConfiguration) throw std::runtime_error{"wrong"};
+  tree.SetChangeSink(std::make_shared<rest_test::CountingSink>());
   return std::make_unique<rest_test::RecordingFrontend>();
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,6 +31,18 @@ class Outside {
   std::vector<std::string> lines_;
 };
 Outside& TheOutside();
+
+/// What subscribers are told of: events by their kind.
+struct Told {
+  int added = 0, changed = 0, removed = 0;
+
+  bool operator==(const Told&) const = default;
+  friend void PrintTo(const Told& told, std::ostream* out) {
+    *out << told.added << " added, " << told.changed << " changed, " << told.removed << " removed";
+  }
+};
+/// What was told since the last call.
+Told TakeTold();
 
 /// Answers every set with `response`, and tells what it was asked.
 class RecordingMediator : public trov::commMngr::CommMngrZuvaSideInterface {

@@ -136,6 +136,36 @@ TEST_F(Updates, EveryOperationWritesEveryFieldOfItsObject) {
   EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
+TEST_F(Updates, OneUpdateIsOneEventAndNoneIfNothingChanges) {
+  const auto report = [&](std::uint32_t current, const Word& state) {
+    TakeTold();
+    application->Update_ValueControls({Word{"bidirectionalChargingModesMinSoc"},
+                                       current,
+                                       0U,
+                                       100U,
+                                       Word{"percent"},
+                                       {},
+                                       {},
+                                       5U,
+                                       {},
+                                       state,
+                                       std::vector<std::string>{"off"}});
+    return TakeTold();
+  };
+  EXPECT_EQ(report(80, {}), (Told{.changed = 1}));
+  EXPECT_EQ(report(80, {}), Told{});
+  EXPECT_EQ(report(85, Word{"off"}), (Told{.changed = 1}));
+  EXPECT_EQ(report(90, Word{"on"}), (Told{.changed = 1})) << "what came before the fault is told";
+  View(Word{"popup"}, Word{"chargingInformationScreen"}, Word{"newRequest"});
+  EXPECT_EQ(TakeTold(), (Told{.added = 1})) << "a view is told whole";
+  View(Word{"popup"}, Word{"nothing"});
+  EXPECT_EQ(TakeTold(), (Told{.removed = 1}));
+  application->Update_resetToFactoryData(Word{"origin"}, 5U);
+  EXPECT_EQ(TakeTold(), (Told{.changed = 1}));
+  application->Update_resetToFactoryData(Word{"origin"}, 5U);
+  EXPECT_EQ(TakeTold(), Told{});
+}
+
 TEST_F(Updates, FirstFailingFieldEndsTheStep) {
   application->Update_batteryCareModes(Word{"batteryCareMode"}, Word{"bcamScoreValueWarning"}, Word{}, 101U, 1.0F);
   application->Update_batteryPreconditioningEnergies(Word{"batteryPreconditioningEnergy1"}, 100001U, 5U);
