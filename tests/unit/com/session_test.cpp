@@ -52,6 +52,17 @@ TEST(RebootDetection, TellsOneRebootOnceOverBothDirections) {
   EXPECT_FALSE(detection.received(peer(), kUnicast, {1, true}));
 }
 
+TEST(RebootDetection, ANewLifeKnownFromElsewhereStartsBothDirectionsAnew) {
+  Reboot_detection detection;
+  EXPECT_FALSE(detection.is_first(peer(), kMulticast)) << "a stranger has no other direction";
+  detection.received(peer(), kUnicast, {3, true});
+  EXPECT_TRUE(detection.is_first(peer(), kMulticast));
+  detection.received(peer(), kMulticast, {1, true});
+  detection.restarted(peer(), kMulticast, {1, true});
+  EXPECT_FALSE(detection.received(peer(), kUnicast, {1, true})) << "the new life's first answer";
+  EXPECT_TRUE(detection.received(peer(), kMulticast, {1, true}));
+}
+
 TEST(RebootDetection, ForgetsTheLongestSilentPeerAtItsBound) {
   Reboot_detection detection;
   for (std::uint16_t port = 1; port <= kMaximumPeers + 1; ++port) detection.received(peer(port), kUnicast, {5, true});

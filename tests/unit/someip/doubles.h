@@ -1,11 +1,22 @@
 #pragma once
 
+#include <ostream>
+
+#include <boost/variant/variant.hpp>
 #include <gmock/gmock.h>
 
 #include "commmngr/interfaces/comm_mngr_rbec_side_interface.h"
 #include "commmngr/interfaces/comm_mngr_someip_side_interface.h"
 #include "someip/cmc/charging_management_core_proxy_interface.h"
 #include "someip/rbec/route_based_energy_contents_proxy_interface.h"
+
+// The test framework would print the records inside, which have no text form.
+namespace boost {
+template <class... T>
+void PrintTo(const variant<T...>& payload, std::ostream* out) {
+  *out << "alternative " << payload.which();
+}
+}  // namespace boost
 
 namespace trov::testing {
 

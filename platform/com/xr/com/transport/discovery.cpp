@@ -18,6 +18,10 @@ std::optional<wire::Endpoint> endpoint_of(const wire::Sd_entry& entry, wire::Pro
   return found == entry.options.end() ? std::nullopt : std::optional{found->endpoint};
 }
 
+Offer offer_of(const wire::Sd_entry& entry, const wire::Endpoint& peer) {
+  return {peer, endpoint_of(entry, wire::Protocol::udp), endpoint_of(entry, wire::Protocol::tcp)};
+}
+
 }  // namespace
 
 Discovery::Discovery(boost::asio::io_context& io, const wire::Deployment& deployment, Sd_channel& channel, Find_thread& find_thread,
@@ -31,7 +35,8 @@ Discovery::Discovery(boost::asio::io_context& io, const wire::Deployment& deploy
 
 void Discovery::start() {
   channel_.start({.rebooted = [this](const wire::Endpoint& peer) { rebooted(peer); },
-                  .entry = [this](const wire::Sd_entry& entry, const wire::Endpoint& peer) { received(entry, peer); }});
+                  .entry = [this](const wire::Sd_entry& entry, const wire::Endpoint& peer) { received(entry, peer); },
+                  .moves = [this](const auto& entries, const wire::Endpoint& peer) { return moves(entries, peer); }});
 }
 
 void Discovery::stop() {
@@ -66,7 +71,7 @@ void Discovery::received(const wire::Sd_entry& entry, const wire::Endpoint& peer
 void Discovery::offered(const wire::Sd_entry& entry, const wire::Endpoint& peer) {
   const auto& service = *deployment_.find_service(entry.service);
   const Instance_key key{entry.service, entry.instance};
-  const Offer offer{peer, endpoint_of(entry, wire::Protocol::udp), endpoint_of(entry, wire::Protocol::tcp)};
+  const auto offer = offer_of(entry, peer);
   const auto refuse = [&](Fault fault, std::string_view reason) {
     warnings_.warn(fault, [&](auto& line) {
       line << "Ignored the offer of " << service.name << ' ' << instance_text(entry.instance) << " from " << to_text(peer) << ": "
@@ -96,6 +101,14 @@ void Discovery::withdrawn(const wire::Sd_entry& entry, const wire::Endpoint& pee
 
 void Discovery::rebooted(const wire::Endpoint& peer) {
   while (const auto key = known_.remove_of(peer)) lost(*key, "its host has rebooted");
+}
+
+bool Discovery::moves(const std::vector<wire::Sd_entry>& entries, const wire::Endpoint& peer) const {
+  return std::any_of(entries.begin(), entries.end(), [&](const wire::Sd_entry& entry) {
+    const auto* known = known_.find({entry.service, entry.instance});
+    return entry.type == wire::Entry_type::offer && entry.ttl != 0 && known && known->peer == peer &&
+           !known->same_endpoints(offer_of(entry, peer));
+  });
 }
 
 void Discovery::expired() {

@@ -48,6 +48,7 @@ class Discovery {
   void offered(const wire::Sd_entry& entry, const wire::Endpoint& peer);
   void withdrawn(const wire::Sd_entry& entry, const wire::Endpoint& peer);
   void rebooted(const wire::Endpoint& peer);
+  bool moves(const std::vector<wire::Sd_entry>& entries, const wire::Endpoint& peer) const;
   void expired();
   void watch_expiry();
   void lost(Instance_key key, std::string_view reason);

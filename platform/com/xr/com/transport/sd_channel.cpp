@@ -74,8 +74,19 @@ void Sd_channel::received(wire::Direction direction, wire::Bytes datagram, const
            << ": they refer to options that are not there";
     });
   }
-  if (reboots_.received(sender, direction, {message->session, message->reboot})) handlers_.rebooted(sender);
+  if (has_rebooted(direction, *message, sender)) handlers_.rebooted(sender);
   for (const auto& entry : message->entries) handlers_.entry(entry, sender);
+}
+
+/// A peer whose first message in this direction carries the reboot flag and moves what it offered before has rebooted, though no id tells
+/// it yet: waiting for one would take the answers to the new subscriptions for the reboot and lose them again.
+bool Sd_channel::has_rebooted(wire::Direction direction, const wire::Sd_message& message, const wire::Endpoint& sender) {
+  const wire::Session session{message.session, message.reboot};
+  const bool first = reboots_.is_first(sender, direction);
+  if (reboots_.received(sender, direction, session)) return true;
+  if (!first || !message.reboot || !handlers_.moves(message.entries, sender)) return false;
+  reboots_.restarted(sender, direction, session);
+  return true;
 }
 
 }  // namespace xr::com::transport

@@ -19,6 +19,8 @@ class Sd_channel {
   struct Handlers {
     std::function<void(const wire::Endpoint& peer)> rebooted;  ///< before the entries of the message that shows it
     std::function<void(const wire::Sd_entry& entry, const wire::Endpoint& peer)> entry;
+    /// Whether a message offers something known at other endpoints.
+    std::function<bool(const std::vector<wire::Sd_entry>& entries, const wire::Endpoint& peer)> moves;
   };
 
   /// @throws std::runtime_error that tells which socket cannot be opened and why.
@@ -32,6 +34,7 @@ class Sd_channel {
 
  private:
   void received(wire::Direction direction, wire::Bytes datagram, const wire::Endpoint& sender);
+  bool has_rebooted(wire::Direction direction, const wire::Sd_message& message, const wire::Endpoint& sender);
   void send(const wire::Endpoint& destination, wire::Session session, std::vector<wire::Sd_entry> entries);
 
   const wire::Endpoint group_;

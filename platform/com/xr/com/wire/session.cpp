@@ -39,11 +39,22 @@ Session Outgoing_sessions::next_unicast(const Endpoint& peer) {
 
 bool Reboot_detection::received(const Endpoint& endpoint, Direction direction, Session session) {
   auto& peer = touch(peers_, endpoint);
-  auto& last = direction == Direction::multicast ? peer.multicast : peer.unicast;
-  const bool rebooted = last.id != 0 && is_reboot(last, session);
+  auto& before = last(peer, direction);
+  const bool rebooted = before.id != 0 && is_reboot(before, session);
   if (rebooted) peer.multicast = peer.unicast = {0, false};
-  last = session;
+  before = session;
   return rebooted;
+}
+
+bool Reboot_detection::is_first(const Endpoint& endpoint, Direction direction) const {
+  const auto found = std::find_if(peers_.begin(), peers_.end(), [&](const Peer& peer) { return peer.endpoint == endpoint; });
+  return found != peers_.end() && (direction == Direction::multicast ? found->multicast : found->unicast).id == 0;
+}
+
+void Reboot_detection::restarted(const Endpoint& endpoint, Direction direction, Session session) {
+  auto& peer = touch(peers_, endpoint);
+  peer.multicast = peer.unicast = {0, false};
+  last(peer, direction) = session;
 }
 
 }  // namespace xr::com::wire

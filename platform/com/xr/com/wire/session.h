@@ -53,12 +53,20 @@ class Reboot_detection {
   /// Takes one received message; true if the peer has rebooted since its last one. A reboot is told once: both directions start anew.
   bool received(const Endpoint& peer, Direction direction, Session session);
 
+  /// Whether the peer was heard before, but never in this direction: the ids of its next message tell nothing.
+  bool is_first(const Endpoint& peer, Direction direction) const;
+
+  /// Takes it from elsewhere that this message, just received, is of a new life: the ids of the other direction start anew.
+  void restarted(const Endpoint& peer, Direction direction, Session session);
+
  private:
   struct Peer {
     Endpoint endpoint;
     Session multicast{0, false};  // the last one received; id 0: none yet
     Session unicast{0, false};
   };
+
+  static Session& last(Peer& peer, Direction direction) { return direction == Direction::multicast ? peer.multicast : peer.unicast; }
 
   std::list<Peer> peers_;  // the last heard of first
 };
