@@ -4,6 +4,8 @@
 
 namespace ara::exec {
 
+ApplicationClient::ApplicationClient() = default;
+
 void ApplicationClient::ReportApplicationState(ApplicationState state) const {
   switch (state) {
     case ApplicationState::kRunning:

@@ -13,6 +13,8 @@ enum class ApplicationState : std::uint8_t { kRunning = 0, kTerminating = 1 };
 /// Running is told as `READY=1`, terminating as `STOPPING=1`. Any thread.
 class ApplicationClient {
  public:
+  ApplicationClient();
+
   /// Throws `std::runtime_error` if there is a service manager and it cannot be told.
   void ReportApplicationState(ApplicationState state) const;
 
