@@ -31,11 +31,9 @@ template <class T>
 class Inbox {
  public:
   void put(T value) {
-    {
-      const std::lock_guard lock{mutex_};
-      values_.push_back(std::move(value));
-    }
-    changed_.notify_all();
+    const std::lock_guard lock{mutex_};
+    values_.push_back(std::move(value));
+    changed_.notify_all();  // under the lock: who waits may destroy this next
   }
 
   /// The next value; a default one, and a failure, when none comes.

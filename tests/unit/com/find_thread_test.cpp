@@ -35,8 +35,8 @@ class Slow_find {
 };
 
 TEST(FindThread, TellsEveryChangeWholeAndInOrder) {
-  Find_thread thread;
   Slow_find slow;
+  Find_thread thread;
   const auto find = slow.make();
   for (std::size_t i = 0; i < 10; ++i) slow.gate.put(0);
   for (std::size_t i = 1; i <= 10; ++i) thread.post(find, list_of(i));
@@ -45,8 +45,8 @@ TEST(FindThread, TellsEveryChangeWholeAndInOrder) {
 
 TEST(FindThread, AtItsBoundTheTwoOldestOfOneFindGoTogether) {
   ara::log::testing::Capture log;
-  Find_thread thread;
   Slow_find slow, other;
+  Find_thread thread;
   const auto find = slow.make(), other_find = other.make();
   thread.post(find, list_of(100));
   EXPECT_EQ(slow.told.next(), 100U);  // its handler now holds up the thread
@@ -64,22 +64,25 @@ TEST(FindThread, AtItsBoundTheTwoOldestOfOneFindGoTogether) {
 
 TEST(FindThread, AHandlerThatThrowsEndsNothingAndAnEndedFindHearsNothing) {
   ara::log::testing::Capture log;
-  Find_thread thread;
   Slow_find slow;
-  slow.gate.put(0);
+  Find_thread thread;
+  const auto find = slow.make();
+  thread.post(find, list_of(1));
+  EXPECT_EQ(slow.told.next(), 1U);  // its handler now holds up the thread
   const auto bad = std::make_shared<Find>("bad", 1, std::nullopt, [](const Instance_list&) { throw std::runtime_error{"why"}; });
   auto ended = slow.make();
   thread.post(bad, {});
-  thread.post(std::exchange(ended, nullptr), list_of(7));
-  const auto find = slow.make();
+  thread.post(ended, list_of(7));
+  ended.reset();
   thread.post(find, list_of(8));
+  for (int i = 0; i < 3; ++i) slow.gate.put(0);
   EXPECT_EQ(slow.told.next(), 8U);
   EXPECT_THAT(log.Lines(), ElementsAre("A find handler of bad threw: why"));
 }
 
 TEST(FindThread, TakesNoSignals) {
-  Find_thread thread;
   Inbox<bool> blocked;
+  Find_thread thread;
   const auto find = std::make_shared<Find>("service", 1, std::nullopt, [&](const Instance_list&) {
     sigset_t mask;
     ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
