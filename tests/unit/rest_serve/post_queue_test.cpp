@@ -58,26 +58,5 @@ TEST_F(PostQueueTest, AMuteResourceTakesTwoThreadsAndNoMore) {
   EXPECT_EQ(gate->Guests(), 5U);
 }
 
-TEST_F(PostQueueTest, WhatWaitsTooLongIsRefusedUnrun) {
-  const std::vector<std::shared_ptr<Task>> tasks{Make(), Make(), Make()};
-  for (const auto& task : tasks) queue.Submit(&one, task);
-  EXPECT_TRUE(RunUntil([&] { return tasks[2]->refused; }));
-  gate->Open();
-  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
-  EXPECT_EQ(gate->Guests(), 2U);
-  EXPECT_FALSE(tasks[2]->finished);
-}
-
-TEST_F(PostQueueTest, AClosedQueueRefusesButLetsRunningWorkEnd) {
-  const std::vector<std::shared_ptr<Task>> tasks{Make(), Make(), Make()};
-  for (const auto& task : tasks) queue.Submit(&one, task);
-  queue.Close();
-  EXPECT_TRUE(tasks[2]->refused);
-  EXPECT_FALSE(queue.Submit(&two, Make()));
-  gate->Open();
-  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
-  EXPECT_TRUE(tasks[0]->finished && tasks[1]->finished);
-}
-
 }  // namespace
 }  // namespace zuva::serve

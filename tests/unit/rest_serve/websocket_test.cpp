@@ -93,17 +93,6 @@ TEST_F(WebSocketTest, SubscriptionsAreLimitedAndEnd) {
   EXPECT_NE(socket.Subscribe("/S")["subscriptionId"], first);
 }
 
-TEST_F(WebSocketTest, BinaryAndTooLargeFramesCloseTheirSocketAlone) {
-  tree.Socket().SendBinary("x");
-  auto binary = tree.Socket();
-  binary.SendBinary("x");
-  EXPECT_EQ(binary.WaitForClose(), 1003U);
-  auto large = tree.Socket();
-  large.SendText(std::string(1001, ' '));
-  EXPECT_EQ(large.WaitForClose(), 1009U);
-  EXPECT_TRUE(socket.Ask({{"action", "get"}, {"path", "/"}}).contains("data"));
-}
-
 TEST_F(WebSocketTest, TheUpgradeAsksForPathAndOrigin) {
   EXPECT_NO_THROW(tree.Socket("/S"));
   EXPECT_NO_THROW(tree.Socket("/", {{"Origin", "https://app.example"}}));
