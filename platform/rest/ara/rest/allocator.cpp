@@ -17,7 +17,8 @@ class HeapAllocator final : public Allocator {
 
 Allocator* GetDefaultAllocator() noexcept {
   // Never destroyed: objects with static life time may give their memory back late.
-  static HeapAllocator* const allocator = new HeapAllocator;
+  alignas(HeapAllocator) static unsigned char storage[sizeof(HeapAllocator)];
+  static HeapAllocator* const allocator = ::new (storage) HeapAllocator;
   return allocator;
 }
 

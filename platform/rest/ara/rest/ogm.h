@@ -159,7 +159,8 @@ class Iterator {
     ++position_;
     return *this;
   }
-  Iterator operator++(int) { return Iterator{position_++}; }
+  // A constant result, as the check wants it, would not be an iterator's.
+  Iterator operator++(int) { return Iterator{position_++}; }  // NOLINT(cert-dcl21-cpp)
   bool operator==(const Iterator&) const = default;
 
  private:

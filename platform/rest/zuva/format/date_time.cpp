@@ -1,7 +1,7 @@
 #include "zuva/format/date_time.h"
 
 #include <array>
-#include <cstdio>
+#include <cstddef>
 #include <utility>
 
 #include "ara/rest/exceptions.h"
@@ -17,6 +17,11 @@ unsigned DaysIn(unsigned month, unsigned year) {
   return kDays[month - 1] + (month == kFebruary && leap ? 1U : 0U);
 }
 
+void AppendPadded(std::string& out, unsigned number, std::size_t digits) {
+  const auto text = std::to_string(number);
+  out.append(digits - text.size(), '0').append(text);
+}
+
 }  // namespace
 
 DateTime::DateTime(std::uint16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute, std::uint8_t second,
@@ -29,13 +34,14 @@ void DateTime::Set(std::uint16_t year, std::uint8_t month, std::uint8_t day, std
   const bool exists = year <= 9999 && month >= 1 && month <= 12 && day >= 1 && day <= DaysIn(month, year) && hour <= 23 && minute <= 59 &&
                       second <= 60 && milliseconds <= 999;
   if (!exists) throw ara::rest::InvalidArgumentException{"date or time out of range"};
-  char text[64];
-  std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u", year, month, day, hour, minute, second);
-  std::string value = text;
-  if (milliseconds != 0) {
-    std::snprintf(text, sizeof text, ".%03u", milliseconds);
-    value += text;
-  }
+  std::string value;
+  AppendPadded(value, year, 4);
+  AppendPadded(value += '-', month, 2);
+  AppendPadded(value += '-', day, 2);
+  AppendPadded(value += 'T', hour, 2);
+  AppendPadded(value += ':', minute, 2);
+  AppendPadded(value += ':', second, 2);
+  if (milliseconds != 0) AppendPadded(value += '.', milliseconds, 3);
   value += zone;
   year_ = year;
   month_ = month;
@@ -49,6 +55,7 @@ void DateTime::Set(std::uint16_t year, std::uint8_t month, std::uint8_t day, std
 }
 
 DateTime& DateTime::operator=(const DateTime& other) {
+  if (this == &other) return *this;
   Set(other.year_, other.month_, other.day_, other.hour_, other.minute_, other.second_, other.milliseconds_, other.zone_);
   return *this;
 }
