@@ -17,25 +17,32 @@ namespace detail {
 /// The pool of the runtime, on which all events dispatch. @throws std::logic_error when the runtime does not live.
 std::shared_ptr<xr::com::Executor> runtime_executor();
 
-/// In the place of a set that the service does not have.
-struct No_set {
-  explicit No_set(const std::shared_ptr<xr::com::cpp_binding::proxy::Client_port>&) {}
+/// The set of a field; nothing where the service does not have it.
+template <class F, bool settable = F::kSettable>
+class Field_set {
+ public:
+  explicit Field_set(const std::shared_ptr<xr::com::cpp_binding::proxy::Client_port>&) {}
 };
 
-template <class F, bool settable = F::kSettable>
-struct Set_of {
-  using type = No_set;
-};
 template <class F>
-struct Set_of<F, true> {
-  using type = xr::com::cpp_binding::proxy::Method_impl<F, typename F::Set, xr::com::cpp_binding::proxy::Method_kind::set>;
+class Field_set<F, true> {
+ public:
+  using Records = std::vector<typename F::Record>;
+
+  explicit Field_set(const std::shared_ptr<xr::com::cpp_binding::proxy::Client_port>& port) : set_{port} {}
+
+  /// Asks the service to take a value; the future gives the value that it has then. Fails as `Method_impl`.
+  qe::com::Future<Records> set(const Records& value) { return set_(value); }
+
+ private:
+  xr::com::cpp_binding::proxy::Method_impl<F, typename F::Set, xr::com::cpp_binding::proxy::Method_kind::set> set_;
 };
 
 }  // namespace detail
 
 /// One field of a proxy: its event, its get and, if the service allows it, its set. `F` is the field's description. Any thread.
 template <class F>
-class Field {
+class Field : public detail::Field_set<F> {
  public:
   using Description = F;
   using Record = typename F::Record;
@@ -45,20 +52,16 @@ class Field {
   Field(const qe::com::runtime::Instance_id&, const xr::com::cpp_binding::proxy::Rport& rport)
       : Field{rport.port(), detail::runtime_executor()} {}
   Field(const std::shared_ptr<xr::com::cpp_binding::proxy::Client_port>& port, std::shared_ptr<xr::com::Executor> executor)
-      : event_{port, std::move(executor)}, get_{port}, set_{port} {}
+      : detail::Field_set<F>{port}, event_{port, std::move(executor)}, get_{port} {}
 
   Event& event() { return event_; }
 
   /// Asks the service for the field's value. Fails as `Method_impl`.
   qe::com::Future<Records> get() { return get_(); }
 
-  /// Asks the service to take a value; the future gives the value that it has then. Fails as `Method_impl`.
-  qe::com::Future<Records> set(const Records& value) requires(F::kSettable) { return set_(value); }
-
  private:
   Event event_;
   xr::com::cpp_binding::proxy::Method_impl<F, typename F::Get, xr::com::cpp_binding::proxy::Method_kind::get> get_;
-  typename detail::Set_of<F>::type set_;
 };
 
 }  // namespace ara::com::internal::proxy
