@@ -10,6 +10,7 @@
 #include "tests/unit/someip/handles.h"
 
 #include "ara/log/testing/capture.h"
+#include "xr/com/exceptions.h"
 
 namespace trov::testing {
 namespace {
