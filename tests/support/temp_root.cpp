@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <random>
 #include <stdexcept>
 #include <system_error>
@@ -49,7 +50,8 @@ void WriteFile(const std::filesystem::path& path, std::string_view text) {
 
 }  // namespace
 
-TempRoot::TempRoot() : path_{MakeFolder()}, portReservation_{ReservePort(discoveryPort_)} {
+TempRoot::TempRoot()
+    : path_{MakeFolder()}, kept_{std::getenv("KEEP_TEST_ROOTS") != nullptr}, portReservation_{ReservePort(discoveryPort_)} {
   std::filesystem::create_directories(path_ / kConfigFolder);
   WriteRestConfig(DefaultRestConfig().dump(1));
   WriteDeployment(DefaultDeployment().dump(1));
@@ -58,7 +60,12 @@ TempRoot::TempRoot() : path_{MakeFolder()}, portReservation_{ReservePort(discove
 TempRoot::~TempRoot() {
   ::close(portReservation_);
   std::error_code ignored;  // a root that cannot be removed is the next boot's business, never a test's result
-  if (!std::getenv("KEEP_TEST_ROOTS")) std::filesystem::remove_all(path_, ignored);
+  if (!kept_) std::filesystem::remove_all(path_, ignored);
+}
+
+void TempRoot::Keep() {
+  kept_ = true;
+  std::cerr << "kept for a look: " << path_.string() << '\n';
 }
 
 std::filesystem::path TempRoot::RestConfigPath() const {

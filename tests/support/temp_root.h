@@ -10,7 +10,8 @@
 namespace test_support {
 
 /// A staging root of its own: a fresh directory with the program's two configuration files, and a discovery port that no other
-/// test of this machine uses meanwhile. The directory goes with the object, unless KEEP_TEST_ROOTS is set in the environment.
+/// test of this machine uses meanwhile. The directory goes with the object, unless a test that failed keeps it, or KEEP_TEST_ROOTS is set
+/// in the environment.
 class TempRoot {
  public:
   /// REST on 127.0.0.1, any free port; SOME/IP on loopback with the discovery port of this root.
@@ -26,6 +27,9 @@ class TempRoot {
   std::filesystem::path DeploymentPath() const;
   std::uint16_t DiscoveryPort() const { return discoveryPort_; }
 
+  /// Leaves the directory where it is, and tells on standard error where.
+  void Keep();
+
   /// Both replace the file as a whole; the text need not be JSON.
   void WriteRestConfig(std::string_view text) const;
   void WriteDeployment(std::string_view text) const;
@@ -36,6 +40,7 @@ class TempRoot {
 
  private:
   std::filesystem::path path_;
+  bool kept_ = false;
   std::uint16_t discoveryPort_ = 0;
   int portReservation_ = -1;  // a bound TCP socket: the number is taken for other tests, its UDP side stays free for the program
 };

@@ -45,6 +45,7 @@ class SystemTest : public testing::Test {
     if (bridge_.IsStarted() && bridge_.Program().IsRunning()) {
       EXPECT_EQ(bridge_.Stop(), test_support::ExitStatus{});
     }
+    if (HasFailure()) root_.Keep();
   }
 
   test_support::HttpClient& Http() {
