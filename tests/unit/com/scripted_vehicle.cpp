@@ -54,13 +54,13 @@ Scripted_vehicle::Scripted_vehicle(const std::string& address, const Deployment&
       deployment_{deployment},
       service_{*deployment_.find_service(service)},
       instance_{instance},
-      discovery_{std::move(open_discovery_socket(address_, deployment.discovery.port).value())},
-      group_{std::move(open_group_socket(deployment.discovery.multicast, deployment.discovery.port, address_).value())} {
+      discovery_{open_discovery_socket(address_, deployment.discovery.port).value()},
+      group_{open_group_socket(deployment.discovery.multicast, deployment.discovery.port, address_).value()} {
   open_ports();
 }
 
 void Scripted_vehicle::open_ports() {
-  udp_ = std::move(open_message_socket(address_).value());
+  udp_ = open_message_socket(address_).value();
   udp_endpoint_ = local_endpoint(udp_).value();
   connection_ = {};
   stream_.clear();
