@@ -1,0 +1,43 @@
+#pragma once
+
+#include "tools/vehicle/server/service_server.h"
+
+#include <boost/asio/io_context.hpp>
+
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+
+namespace bench {
+
+/// The vehicle's side without anything of its own to do: both services offered on 127.0.0.2, payloads as they are behind the server
+/// role. All on the thread that runs `Context()`.
+class FixedValues final : public vehicle::FieldHost {
+ public:
+  explicit FixedValues(const std::filesystem::path& deployment);
+
+  /// Of all fields that were never set the value is an array of no records.
+  void Set(const std::string& field, vehicle::Bytes payload) { payloads_[field] = std::move(payload); }
+  void Notify(const std::string& field) { server_.Notify(field); }
+  boost::asio::io_context& Context() { return context_; }
+  std::size_t SubscribedFields() const { return subscribed_.size(); }
+
+ private:
+  void OnGet(const std::string& field, vehicle::Reply reply) override { reply({0, PresentValue(field)}); }
+  void OnSet(const std::string& field, const vehicle::Bytes& payload, vehicle::Reply reply) override;
+  vehicle::Bytes PresentValue(const std::string& field) override;
+  bool AcceptsSubscription(const std::string&) override { return true; }
+  void OnOffered(const std::string&, bool) override {}
+  void OnSubscribed(const vehicle::Subscription& subscription, bool) override { subscribed_.insert(subscription.field); }
+  void OnSubscriptionRefused(const std::string&, const std::string&) override {}
+  void OnUnsubscribed(const vehicle::Subscription& subscription, const std::string&) override { subscribed_.erase(subscription.field); }
+  void OnConnection(const vehicle::Endpoint&, bool) override {}
+
+  boost::asio::io_context context_{1};
+  std::map<std::string, vehicle::Bytes> payloads_;
+  std::set<std::string> subscribed_;
+  vehicle::ServiceServer server_;
+};
+
+}  // namespace bench

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "tests/support/process.h"
+#include "tests/support/temp_root.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace bench {
+
+/// A bridge as a child process, with a staging root of its own, a log file there and a known HTTP port.
+class Program {
+ public:
+  /// Prepares all and starts nothing. `name` is a program beside this one.
+  explicit Program(std::string_view name);
+
+  void Start();
+  /// Waits until a GET of this path is answered with 200, and gives the whole answer. Throws std::runtime_error if that takes too long.
+  std::string FirstAnswer(std::string_view path) const;
+
+  const test_support::TempRoot& Root() const { return root_; }
+  std::uint16_t Port() const { return port_; }
+  pid_t Pid() const { return process_->Pid(); }
+  void Stop();
+
+ private:
+  test_support::TempRoot root_;
+  std::uint16_t port_;
+  std::string name_;
+  std::unique_ptr<test_support::Process> process_;
+};
+
+/// A GET of a program on this port.
+std::string GetRequest(std::string_view path, std::uint16_t port);
+
+}  // namespace bench
