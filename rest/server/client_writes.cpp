@@ -1,3 +1,5 @@
+#include "rest/server/trov_zuva_server.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <memory>
@@ -7,7 +9,6 @@
 
 #include "ara/rest/ogm.h"
 #include "rest/generated/zuva_server.h"
-#include "rest/server/trov_zuva_server.h"
 
 namespace trov::zuvaServer {
 namespace {

@@ -1,3 +1,5 @@
+#include "rest/server/trov_zuva_server.h"
+
 #include <pthread.h>
 
 #include <ctime>
@@ -6,7 +8,6 @@
 
 #include "ara/log/logging.h"
 #include "rest/generated/zuva_server.h"
-#include "rest/server/trov_zuva_server.h"
 
 namespace trov::zuvaServer {
 namespace {

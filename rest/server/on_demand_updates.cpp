@@ -1,3 +1,5 @@
+#include "rest/server/trov_zuva_server.h"
+
 #include <array>
 #include <memory>
 #include <mutex>
@@ -9,7 +11,6 @@
 #include "rest/generated/zuva_server.h"
 #include "rest/server/element_update.h"
 #include "rest/server/made.h"
-#include "rest/server/trov_zuva_server.h"
 
 // Views, charging plugs and switch controls: the objects that come, and in part go, with the vehicle's reports.
 namespace trov::zuvaServer {

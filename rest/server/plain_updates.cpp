@@ -1,3 +1,5 @@
+#include "rest/server/trov_zuva_server.h"
+
 #include <cstdint>
 #include <ctime>
 #include <limits>
@@ -7,7 +9,6 @@
 #include "ara/rest/ogm.h"
 #include "rest/generated/zuva_server.h"
 #include "rest/server/element_update.h"
-#include "rest/server/trov_zuva_server.h"
 #include "zuva/format/date_time.h"
 
 namespace trov::zuvaServer {

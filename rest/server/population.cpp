@@ -1,3 +1,5 @@
+#include "rest/server/trov_zuva_server.h"
+
 #include <array>
 #include <map>
 #include <memory>
@@ -7,7 +9,6 @@
 #include "rest/generated/zuva_server.h"
 #include "rest/reset_object.h"
 #include "rest/server/made.h"
-#include "rest/server/trov_zuva_server.h"
 
 namespace trov::zuvaServer {
 namespace {
@@ -73,19 +74,21 @@ void TROVZuVaServer::CreateCPIObjects() {
       {"chargingProcessInformationMaxChargePowerOptimalTemperature", "maxChargePowerOptimalTemperature"},
   }};
   // The object shows them in another order than they are made in, on purpose.
-  static constexpr std::array<std::string_view, 13> kEmbedded{"currentSoc",
-                                                              "remainingChargeTimeBulk",
-                                                              "remainingChargeTimeComplete",
-                                                              "remainingChargeTimeFull",
-                                                              "remainingChargeTimeNav",
-                                                              "chargeEnergy",
-                                                              "chargeRate",
-                                                              "chargePower",
-                                                              "maxPowerChargingStation",
-                                                              "maxPowerDc",
-                                                              "maxPowerAc",
-                                                              "maxChargePowerCurrent",
-                                                              "maxChargePowerOptimalTemperature"};
+  static constexpr std::array<std::string_view, 13> kEmbedded{
+      "currentSoc",
+      "remainingChargeTimeBulk",
+      "remainingChargeTimeComplete",
+      "remainingChargeTimeFull",
+      "remainingChargeTimeNav",
+      "chargeEnergy",
+      "chargeRate",
+      "chargePower",
+      "maxPowerChargingStation",
+      "maxPowerDc",
+      "maxPowerAc",
+      "maxChargePowerCurrent",
+      "maxChargePowerOptimalTemperature",
+  };
 
   std::map<std::string_view, std::shared_ptr<ValueIndicationObject>> indications;
   for (const auto& row : kCreated) indications[row.property] = Added<ValueIndicationObject>(Server(), row.type);

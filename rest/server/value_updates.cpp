@@ -1,3 +1,5 @@
+#include "rest/server/trov_zuva_server.h"
+
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -9,7 +11,6 @@
 
 #include "rest/generated/zuva_server.h"
 #include "rest/server/element_update.h"
-#include "rest/server/trov_zuva_server.h"
 
 namespace trov::zuvaServer {
 namespace {
@@ -38,41 +39,48 @@ constexpr ErrorLines kBidirectionalLines{
 template <class Tuple>
 using Fields = std::array<std::string_view, std::tuple_size_v<Tuple>>;
 
-constexpr Fields<types::ValueControlsMappedTuple> kValueControlFields{"type",
-                                                                      "currentValue",
-                                                                      "minValue",
-                                                                      "maxValue",
-                                                                      "unitPercent",
-                                                                      "unitDistance",
-                                                                      "unitTime",
-                                                                      "resolution",
-                                                                      "restrictionReason",
-                                                                      "specialState",
-                                                                      "specialStateConfiguration"};
+constexpr Fields<types::ValueControlsMappedTuple> kValueControlFields{
+    "type",
+    "currentValue",
+    "minValue",
+    "maxValue",
+    "unitPercent",
+    "unitDistance",
+    "unitTime",
+    "resolution",
+    "restrictionReason",
+    "specialState",
+    "specialStateConfiguration",
+};
 constexpr std::size_t kSpecialStateConfiguration = 10;
 constexpr Fields<types::ValueIndicationsMappedTuple> kValueIndicationFields{
     "type",     "currentValue", "maxValue",  "minValue",   "currentTimeDateValue", "unitPercent",
-    "unitTime", "unitSpeed",    "unitPower", "unitEnergy", "restrictionReason"};
-constexpr Fields<types::ChargingProcessInformationMappedTuple> kChargingProcessFields{"type",
-                                                                                      "currentChargeState",
-                                                                                      "chargeBulkThreshold",
-                                                                                      "chargeMode",
-                                                                                      "profileChargeReason",
-                                                                                      "chargeType",
-                                                                                      "chargingScenario",
-                                                                                      "activeTargetSoc",
-                                                                                      "chargeTimeDisplay",
-                                                                                      "evseid",
-                                                                                      "chargeRateCuteness"};
+    "unitTime", "unitSpeed",    "unitPower", "unitEnergy", "restrictionReason",
+};
+constexpr Fields<types::ChargingProcessInformationMappedTuple> kChargingProcessFields{
+    "type",
+    "currentChargeState",
+    "chargeBulkThreshold",
+    "chargeMode",
+    "profileChargeReason",
+    "chargeType",
+    "chargingScenario",
+    "activeTargetSoc",
+    "chargeTimeDisplay",
+    "evseid",
+    "chargeRateCuteness",
+};
 constexpr std::size_t kEvseid = 9;
-constexpr Fields<types::BidirectionalChargingModesMappedTuple> kBidirectionalFields{"type",
-                                                                                    "information",
-                                                                                    "notification",
-                                                                                    "chargingMode",
-                                                                                    "operatingHoursThreshold",
-                                                                                    "numbersOfCyclesThreshold",
-                                                                                    "amountOfEnergyThreshold",
-                                                                                    "quotaThreshold"};
+constexpr Fields<types::BidirectionalChargingModesMappedTuple> kBidirectionalFields{
+    "type",
+    "information",
+    "notification",
+    "chargingMode",
+    "operatingHoursThreshold",
+    "numbersOfCyclesThreshold",
+    "amountOfEnergyThreshold",
+    "quotaThreshold",
+};
 
 /// Sets every member but the key, in their order.
 template <class Tuple, std::size_t... I>
