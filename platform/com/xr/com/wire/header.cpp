@@ -1,5 +1,6 @@
 #include "xr/com/wire/header.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace xr::com::wire {
@@ -41,10 +42,8 @@ std::array<unsigned char, kHeaderSize> encode_header(const Header& header, std::
 
 std::vector<unsigned char> encode_message(const Header& header, Bytes payload) {
   const auto front = encode_header(header, payload.size());
-  std::vector<unsigned char> bytes;
-  bytes.reserve(front.size() + payload.size());
-  bytes.insert(bytes.end(), front.begin(), front.end());
-  bytes.insert(bytes.end(), payload.begin(), payload.end());
+  std::vector<unsigned char> bytes(front.size() + payload.size());
+  std::copy(payload.begin(), payload.end(), std::copy(front.begin(), front.end(), bytes.begin()));
   return bytes;
 }
 
