@@ -27,8 +27,8 @@ std::string FieldName(const std::string& name, const Place& place) {
 
 std::pair<std::string, Bytes> FieldAndBytes(const json& value, const Place& place) {
   if (ObjectAt(value, place).size() != 1) throw BadInput{place, "exactly one field is expected"};
-  const auto& [field, bytes] = *value.items().begin();
-  return {FieldName(field, place / field), BytesFromHex(bytes, place / field)};
+  const auto only = value.begin();
+  return {FieldName(only.key(), place / only.key()), BytesFromHex(only.value(), place / only.key())};
 }
 
 std::vector<std::string> ParseServices(const json& value, const Place& place) {
@@ -115,10 +115,10 @@ std::string KnownActions() {
 
 Action ParseAction(const json& object, const Place& place) {
   if (ObjectAt(object, place).size() != 1) throw BadInput{place, "exactly one action is expected of " + KnownActions()};
-  const auto& [name, value] = *object.items().begin();
+  const auto only = object.begin();
   for (const auto& kind : kKinds)
-    if (kind.name == name) return kind.parse(value, place / name);
-  throw BadInput{place / name, "unknown action; known are " + KnownActions()};
+    if (kind.name == only.key()) return kind.parse(only.value(), place / only.key());
+  throw BadInput{place / only.key(), "unknown action; known are " + KnownActions()};
 }
 
 SetValues ParseValues(const json& values, const Place& place) {
