@@ -11,17 +11,17 @@
 namespace rest_test {
 namespace {
 
-Told told;  // by the test's own thread alone
+Told told{};  // by the test's own thread alone
 
 class CountingSink : public zuva::ChangeSink {
  public:
   void Added(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string,
              std::shared_ptr<const zuva::ogm::Object>, std::string) override {
-    ++told.added;
+    ++told[0];
   }
-  void Changed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&) override { ++told.changed; }
+  void Changed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&) override { ++told[1]; }
   void Removed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string) override {
-    ++told.removed;
+    ++told[2];
   }
 };
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <array>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,15 +32,8 @@ class Outside {
 };
 Outside& TheOutside();
 
-/// What subscribers are told of: events by their kind.
-struct Told {
-  int added = 0, changed = 0, removed = 0;
-
-  bool operator==(const Told&) const = default;
-  friend void PrintTo(const Told& told, std::ostream* out) {
-    *out << told.added << " added, " << told.changed << " changed, " << told.removed << " removed";
-  }
-};
+/// How many events subscribers are told of: added, changed, removed.
+using Told = std::array<int, 3>;
 /// What was told since the last call.
 Told TakeTold();
 

@@ -71,13 +71,6 @@ TEST_P(PostedObject, IsCheckedAgainstTheModel) {
 INSTANTIATE_TEST_SUITE_P(Models, PostedObject, testing::ValuesIn(kPostings),
                          [](const testing::TestParamInfo<Posting>& row) { return row.param.name; });
 
-TEST(ElementClass, OffersPostOnlyWhereTheModelDoes) {
-  EXPECT_TRUE(Make<ViewObject>()->GetPreUpdateCallback());
-  EXPECT_TRUE(Make<ResetObject>()->GetPreUpdateCallback());
-  EXPECT_FALSE(Make<NotificationObject>()->GetPreUpdateCallback());
-  EXPECT_FALSE(Make<ValueIndicationObject>()->GetPreUpdateCallback());
-}
-
 template <class Step>
 std::string DomainErrorOf(Step&& step) {
   try {

@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <future>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -98,19 +101,6 @@ TEST(ServerCoreDeathTest, NullServerIsTheEndOfTheProcess) {
   Application application{kWrongConfiguration};
   EXPECT_THAT(log.Lines(), ElementsAre("Failed to start server: Make for ZuVa threw exception"));
   EXPECT_DEATH(application.StartServer(), "terminate");
-}
-
-TEST(Registry, AnnouncesAndWithdrawsBothServices) {
-  Application application;
-  application.Update_Registry(true);
-  const auto lines = [](std::size_t count) {
-    test_support::WaitFor([&] { return TheOutside().Lines().size() == count; });
-    return TheOutside().Lines();
-  };
-  EXPECT_THAT(lines(2),
-              testing::UnorderedElementsAre("announce ChargingManagementCore at http://[::1]/", "announce FactoryReset at http://[::1]/"));
-  application.Update_Registry(false);
-  EXPECT_THAT(lines(4), testing::IsSupersetOf({"withdraw ChargingManagementCore", "withdraw FactoryReset"}));
 }
 
 TEST(Registry, NextChangeWaitsForTheFormerOne) {

@@ -152,18 +152,18 @@ TEST_F(Updates, OneUpdateIsOneEventAndNoneIfNothingChanges) {
                                        std::vector<std::string>{"off"}});
     return TakeTold();
   };
-  EXPECT_EQ(report(80, {}), (Told{.changed = 1}));
-  EXPECT_EQ(report(80, {}), Told{});
-  EXPECT_EQ(report(85, Word{"off"}), (Told{.changed = 1}));
-  EXPECT_EQ(report(90, Word{"on"}), (Told{.changed = 1})) << "what came before the fault is told";
+  EXPECT_EQ(report(80, {}), (Told{0, 1, 0}));
+  EXPECT_EQ(report(80, {}), (Told{}));
+  EXPECT_EQ(report(85, Word{"off"}), (Told{0, 1, 0}));
+  EXPECT_EQ(report(90, Word{"on"}), (Told{0, 1, 0})) << "what came before the fault is told";
   View(Word{"popup"}, Word{"chargingInformationScreen"}, Word{"newRequest"});
-  EXPECT_EQ(TakeTold(), (Told{.added = 1})) << "a view is told whole";
+  EXPECT_EQ(TakeTold(), (Told{1, 0, 0})) << "a view is told whole";
   View(Word{"popup"}, Word{"nothing"});
-  EXPECT_EQ(TakeTold(), (Told{.removed = 1}));
+  EXPECT_EQ(TakeTold(), (Told{0, 0, 1}));
   application->Update_resetToFactoryData(Word{"origin"}, 5U);
-  EXPECT_EQ(TakeTold(), (Told{.changed = 1}));
+  EXPECT_EQ(TakeTold(), (Told{0, 1, 0}));
   application->Update_resetToFactoryData(Word{"origin"}, 5U);
-  EXPECT_EQ(TakeTold(), Told{});
+  EXPECT_EQ(TakeTold(), (Told{}));
 }
 
 TEST_F(Updates, FirstFailingFieldEndsTheStep) {
