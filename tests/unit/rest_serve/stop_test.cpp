@@ -41,8 +41,8 @@ TEST(Stop, EndsClientsOfEveryKindAndAllThreads) {
   half.Send("GET / HT");
   RawSocket lazy{tree.port, 4096};  // takes neither its answers nor the close
   lazy.Upgrade();
-  tree.things->AddThing("big")->Set("text", std::string(8U << 20U, 'x'));
-  lazy.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
+  tree.things->AddThing("big")->Set("text", std::string(256U << 10U, 'x'));
+  for (int i = 0; i < 32; ++i) lazy.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
   EXPECT_TRUE(socket.Ask({{"action", "get"}, {"path", "/"}}).contains("data"));
   auto stopped = std::async(std::launch::async, [&] { tree.server->Stop(true); });
   EXPECT_EQ(socket.WaitForClose(), 1001U);

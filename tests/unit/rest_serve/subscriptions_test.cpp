@@ -125,7 +125,7 @@ class SlowClient : public testing::Test {
 };
 
 TEST_F(SlowClient, IsClosedWith1013WhileTheOthersNoticeNothing) {
-  AddAndRemove(200);
+  AddAndRemove(100);
   const std::string_view close{"\x88\x02\x03\xf5", 4};  // 1013
   EXPECT_TRUE(slow.ReadUntil(close).ends_with(close));
   AddAndRemove(1);
