@@ -15,6 +15,8 @@ class Child {
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
+  pid_t Pid() const { return pid_; }
+
  private:
   pid_t pid_;
 };

@@ -45,7 +45,7 @@ Load::Result Load::Run(std::chrono::milliseconds duration) {
   }
   const double seconds = std::chrono::duration<double>(last - began).count();
   const auto answers = static_cast<double>(samples.size());
-  return {answers / seconds, QuantilesOf(std::move(samples))};
+  return {answers, answers / seconds, QuantilesOf(std::move(samples))};
 }
 
 void Load::Ask(Connection& connection) const {

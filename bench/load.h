@@ -18,6 +18,7 @@ class Load {
   Load(std::uint16_t port, std::string request, std::size_t answerSize, std::size_t connections);
 
   struct Result {
+    double answers = 0;
     double perSecond = 0;
     Quantiles microseconds;  ///< from the request to the whole answer
   };

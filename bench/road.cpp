@@ -76,7 +76,7 @@ class Bridge {
   std::size_t frameSize_ = 0;
 };
 
-constexpr std::size_t kTripsPerTurn = 1000;
+constexpr std::size_t kTripsPerTurn = 300;
 
 }  // namespace
 
@@ -90,7 +90,7 @@ int main() {
 
   bench::Turns quietRoad, loggingRoad, twoQueuesFloor, oneThreadFloor;
   const auto turn = [](bench::Turns& turns, auto& trips) { turns.Add(bench::TimeEach(kTripsPerTurn, [&] { trips.Trip(); })); };
-  for (int i = 0; i < 9; ++i) {
+  for (int i = 0; i < 25; ++i) {
     turn(quietRoad, quiet);
     turn(twoQueuesFloor, twoQueues);
     turn(loggingRoad, logging);

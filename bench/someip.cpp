@@ -87,7 +87,7 @@ struct Comparison {
   bench::Sizes Sizes() const { return {xr::com::wire::kHeaderSize, xr::com::wire::kHeaderSize + replySize}; }
 
   void Turn(Client& client) {
-    constexpr std::size_t kTrips = 2000;
+    constexpr std::size_t kTrips = 500;
     road.Add(bench::TimeEach(kTrips, [&] { client.Get(method, replySize); }));
     handedOverFloor.Add(bench::TimeEach(kTrips, [&] { handedOver.Trip(); }));
     plainFloor.Add(bench::TimeEach(kTrips, [&] { plain.Trip(); }));
@@ -128,7 +128,7 @@ int main() {
   Client client;
   client.WaitFor(udp.method);
   client.WaitFor(tcp.method);
-  for (int turn = 0; turn < 7; ++turn) {
+  for (int turn = 0; turn < 25; ++turn) {
     udp.Turn(client);
     tcp.Turn(client);
   }

@@ -1,9 +1,8 @@
 #include "bench/fixed_values.h"
 #include "bench/measure.h"
+#include "bench/process_cost.h"
 #include "bench/program.h"
 
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -23,26 +22,6 @@ double MillisecondsToFirstAnswer() {
   return bench::Microseconds(taken) / 1000;
 }
 
-/// Of all threads of a process since its start, waiting not counted.
-double CpuNanoseconds(pid_t process) {
-  double sum = 0;
-  for (const auto& thread : std::filesystem::directory_iterator{"/proc/" + std::to_string(process) + "/task"}) {
-    double onCpu = 0;
-    std::ifstream{thread.path() / "schedstat"} >> onCpu;
-    sum += onCpu;
-  }
-  return sum;
-}
-
-double ResidentMegabytes(pid_t process) {
-  std::ifstream status{"/proc/" + std::to_string(process) + "/status"};
-  for (std::string word; status >> word;) {
-    double kilobytes = 0;
-    if (word == "VmRSS:" && status >> kilobytes) return kilobytes / 1024;
-  }
-  throw std::runtime_error("no resident memory in the process's status");
-}
-
 }  // namespace
 
 int main() {
@@ -58,10 +37,10 @@ int main() {
   vehicle.Context().run_for(5s);
   if (vehicle.SubscribedFields() < 16) throw std::runtime_error("the bridge has not subscribed to all fields");
   constexpr std::chrono::seconds kRest{10};
-  const double before = CpuNanoseconds(bridge.Pid());
+  const double before = bench::CpuNanoseconds(bridge.Pid());
   vehicle.Context().run_for(kRest);
-  const double share = (CpuNanoseconds(bridge.Pid()) - before) / std::chrono::duration<double, std::nano>(kRest).count();
-  bench::PrintRow("resident memory at rest", "MB", ResidentMegabytes(bridge.Pid()), 0, "<= 20 MB");
+  const double share = (bench::CpuNanoseconds(bridge.Pid()) - before) / std::chrono::duration<double, std::nano>(kRest).count();
+  bench::PrintRow("resident memory at rest", "MB", bench::ResidentMegabytes(bridge.Pid()), 0, "<= 20 MB");
   bench::PrintRow("CPU at rest", "%", 100 * share, 0, "< 0.1 %");
   bridge.Stop();
 }
