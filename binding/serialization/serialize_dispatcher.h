@@ -28,7 +28,8 @@ class Custom_type_serialize_dispatcher {
   /// A tagged member; an absent one writes nothing, not even its tag.
   template <class T>
   [[gnu::always_inline]] void operator()(const qe::com::optional<T>& member, Structure_tag tag) {
-    if (member.has_value()) write(*member, tag);
+    if (member.has_value()) [[likely]]
+      write(*member, tag);
   }
 
   /// A member without a tag.

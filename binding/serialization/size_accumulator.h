@@ -30,14 +30,14 @@ class SizeAccumulator {
  public:
   explicit SizeAccumulator(const Serialization_properties& properties) : properties_{properties} {}
 
-  std::size_t size() const { return size_; }
+  std::size_t size() const { return size_ + fourByteMembers_ * (kTagSize + 4); }
 
   /// A tagged member; an absent one has no bytes at all.
   template <class T>
   [[gnu::always_inline]] void operator()(const qe::com::optional<T>& member, Structure_tag tag) {
-    if constexpr (Scalar<T>) {
+    if constexpr (Scalar<T> && sizeof(T) == 4) {
       if (!has_length_field(tag.wire_type())) {
-        size_ += std::size_t{member.has_value()} * (tag.bytes().size() + sizeof(T));  // no branch: most members are scalars
+        fourByteMembers_ += std::size_t{member.has_value()};  // most members: counted without a branch
         return;
       }
     }
@@ -53,7 +53,7 @@ class SizeAccumulator {
   template <class T>
   [[gnu::always_inline]] void add(const T& value, Structure_tag tag) {
     const auto size = body_size(value, properties_);
-    size_ += tag.bytes().size() + size;
+    size_ += kTagSize + size;
     if (!has_length_field(tag.wire_type())) return;
     const auto fieldSize = get_length_field_size_for_wire_type(tag.wire_type(), properties_);
     check_length_fits(fieldSize, size);
@@ -61,8 +61,11 @@ class SizeAccumulator {
   }
 
  private:
+  static constexpr std::size_t kTagSize = sizeof(Structure_tag);
+
   const Serialization_properties& properties_;
   std::size_t size_ = 0;
+  std::size_t fourByteMembers_ = 0;
 };
 
 /// Bytes of a value without any length field of its own.

@@ -51,6 +51,12 @@ TEST(Codec, ComesBackUnchangedInEveryOrderAndLengthFieldSize) {
   EXPECT_EQ(Decoded(Encoded({FullSample()}, open), open), std::vector{FullSample()});
 }
 
+TEST(Codec, TakesMoreRecordsThanItRemembersSizesOf) {
+  std::vector<Sample> field(70);
+  for (std::size_t i = 0; i < field.size(); ++i) field[i].text = std::string(i, 'x');
+  EXPECT_EQ(Decoded(Encoded(field)), field);
+}
+
 TEST(Codec, LittleEndianTurnsNumbersOnly) {
   Serialization_properties little;
   little.byteOrder = Serialization_properties::kLittleEndian;
