@@ -2,11 +2,9 @@
 
 #include "app/pause.h"
 #include "ara/log/logging.h"
-
-#include <pthread.h>
+#include "os/thread.h"
 
 #include <atomic>
-#include <csignal>
 #include <stdexcept>
 
 namespace app {
@@ -27,10 +25,9 @@ void ReportAlive(const ara::phm::SupervisionEntity& entity) {
   }
 }
 
-void Supervise(const ara::phm::SupervisionEntity* entity) {
-  ::pthread_setname_np(::pthread_self(), "supervision");
+void Supervise(const ara::phm::SupervisionEntity& entity) {
   while (supervisionStopFlag.load() == 0) {
-    ReportAlive(*entity);
+    ReportAlive(entity);
     SleepHalfSecond();
   }
 }
@@ -38,13 +35,7 @@ void Supervise(const ara::phm::SupervisionEntity* entity) {
 }  // namespace
 
 std::thread StartSupervision(const ara::phm::SupervisionEntity& entity) {
-  sigset_t all;
-  sigset_t before;
-  ::sigfillset(&all);
-  ::pthread_sigmask(SIG_SETMASK, &all, &before);  // inherited: the process's signals are for main
-  std::thread thread{Supervise, &entity};
-  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return thread;
+  return os::StartThread("supervision", [&entity] { Supervise(entity); });
 }
 
 void StopSupervision(std::thread& supervision) {

@@ -12,18 +12,19 @@ ALLOWED = {
     "commmngr/interfaces": {"model"},
     "fuzz": {"*"},
     "model": set(),
-    "platform/com": {"platform/log"},
-    "platform/log": set(),
+    "platform/com": {"platform/log", "platform/os"},
+    "platform/log": {"platform/os"},
+    "platform/os": set(),
     "platform/process": {"platform/log"},
-    "platform/rest": {"platform/log"},
+    "platform/rest": {"platform/log", "platform/os"},
     "rest": {"platform/rest", "platform/log", "rest/generated"},
-    "rest/server": {"commmngr/interfaces", "model", "platform/log", "platform/rest", "rest", "rest/generated"},
-    "someip": {"binding", "binding/generated", "commmngr/interfaces", "model", "platform/com", "platform/log"},
+    "rest/server": {"commmngr/interfaces", "model", "platform/log", "platform/os", "platform/rest", "rest", "rest/generated"},
+    "someip": {"binding", "binding/generated", "commmngr/interfaces", "model", "platform/com", "platform/log", "platform/os"},
     "tests": {"*"},
     "tools": {"binding", "binding/generated", "model", "platform/com", "platform/log"},
 }
 ROOTS = [("ara/log/", "platform/log"), ("ara/core/", "platform/log"), ("ara/exec/", "platform/process"), ("ara/phm/", "platform/process"),
-         ("ara/rest/", "platform/rest"), ("zuva/", "platform/rest"), ("serve/", "platform/rest"), ("xr/com/", "platform/com")]
+         ("os/", "platform/os"), ("ara/rest/", "platform/rest"), ("zuva/", "platform/rest"), ("serve/", "platform/rest"), ("xr/com/", "platform/com")]
 FOLDERS = sorted(ALLOWED | {"binding/generated": 0, "rest/generated": 0}, key=len, reverse=True)
 
 

@@ -47,6 +47,7 @@ class Event_impl {
  public:
   using Record = typename F::Record;
   using Samples = std::vector<std::shared_ptr<const std::vector<Record>>>;
+  using Filter = std::function<bool(const std::vector<Record>& sample)>;
 
   Event_impl(const std::shared_ptr<Client_port>& port, std::shared_ptr<Executor> executor)
       : state_{std::make_shared<Event_state>(Event<F>::link(port).get(), std::move(executor))} {}
@@ -58,8 +59,12 @@ class Event_impl {
   void subscribe(std::size_t cacheSize) { state_->subscribe(cacheSize); }
 
   /// Puts the samples that have arrived since the last update in the cache's place. Returns whether there were any.
-  /// Before `subscribe` it is an incident and does nothing.
-  bool update() { return state_->update(); }
+  /// Before `subscribe` it is an incident and does nothing. Of the samples the cache keeps those that the filter accepts; it is called
+  /// with the event's mutex held, so it must not use the event.
+  bool update(const Filter& filter = {}) {
+    if (!filter) return state_->update();
+    return state_->update([&](const void* sample) { return filter(*static_cast<const std::vector<Record>*>(sample)); });
+  }
 
   /// The samples of the last update, in the order of arrival. They live on after `cleanup`.
   Samples get_cached_samples() const {

@@ -54,7 +54,7 @@ void Event_state::subscribe(std::size_t cacheSize) {
   on_event_sample();
 }
 
-bool Event_state::update() {
+bool Event_state::update(const Sample_filter& filter) {
   const std::lock_guard lock{mutex_};
   if (!subscribed_) {
     Dlt::trace(incidents::Event_update_when_not_subscribed{event_->identity(), event_->id()});
@@ -62,7 +62,9 @@ bool Event_state::update() {
   }
   Dlt::trace(incidents::Event_cache_update{event_->identity(), event_->id()});
   rearmed_ = true;
-  return event_->copy_samples(cache_, replace_, capacity_, lastUpdate_);
+  const bool any = event_->copy_samples(cache_, replace_, capacity_, lastUpdate_);
+  if (filter) std::erase_if(cache_, [&](const Any_sample& sample) { return !filter(sample.get()); });
+  return any;
 }
 
 Sample_cache Event_state::cached_samples() const {

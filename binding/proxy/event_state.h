@@ -19,13 +19,14 @@ namespace xr::com::cpp_binding::proxy {
 /// sees to it that nothing begins after it. Any thread. Handlers run on the strand, one at a time, with no lock held.
 class Event_state final : public Event_subscriber, public std::enable_shared_from_this<Event_state> {
  public:
+  using Sample_filter = std::function<bool(const void* sample)>;
   using Receive_handler = std::function<void()>;
   using State_handler = std::function<void(Subscription_state)>;
 
   Event_state(std::shared_ptr<Event_base> event, std::shared_ptr<Executor> executor);
 
   void subscribe(std::size_t cacheSize);
-  bool update();
+  bool update(const Sample_filter& filter = {});
   Sample_cache cached_samples() const;
   void cleanup();
   void set_receive_handler(Receive_handler handler);

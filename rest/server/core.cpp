@@ -1,12 +1,11 @@
 #include "rest/server/trov_zuva_server.h"
 
-#include <pthread.h>
-
 #include <ctime>
 #include <exception>
 #include <utility>
 
 #include "ara/log/logging.h"
+#include "os/thread.h"
 #include "rest/generated/zuva_server.h"
 
 namespace trov::zuvaServer {
@@ -51,7 +50,7 @@ template <class Change>
 void Replace(std::future<void>& task, Change change) {
   task = {};
   task = std::async([change = std::move(change)] {
-    pthread_setname_np(pthread_self(), "registry");
+    os::NameThisThread("registry");
     change();
   });
 }

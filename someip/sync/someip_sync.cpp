@@ -1,7 +1,6 @@
 #include "someip/sync/someip_sync.h"
 
-#include <pthread.h>
-#include <signal.h>
+#include "os/thread.h"
 
 #include <utility>
 
@@ -27,14 +26,7 @@ void SomeipSync::AddClient(std::shared_ptr<getFutures::Abstract_GetFutures> clie
 }
 
 void SomeipSync::StartSync() {
-  // The process's signals belong to the initial thread, so the new one starts with all blocked.
-  sigset_t all;
-  sigset_t former;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &former);
-  thread = std::make_unique<std::thread>([this] { ThreadLoop(); });
-  pthread_sigmask(SIG_SETMASK, &former, nullptr);
-  pthread_setname_np(thread->native_handle(), "data-sync");
+  thread = std::make_unique<std::thread>(os::StartThread("data-sync", [this] { ThreadLoop(); }));
 }
 
 bool SomeipSync::isThreadEnded() {

@@ -3,14 +3,14 @@
 #include <string>
 #include <utility>
 
-#include "serve/threads.h"
+#include "os/thread.h"
 
 namespace zuva::serve {
 
 RequestPool::RequestPool(std::size_t threads) {
   try {
     for (std::size_t i = 0; i < threads; ++i) {
-      threads_.push_back(StartThread("zuva-request-" + std::to_string(i), [this] { Loop(); }));
+      threads_.push_back(os::StartThread("zuva-request-" + std::to_string(i), [this] { Loop(); }));
     }
   } catch (...) {  // the threads that run must end before this object does
     Stop();

@@ -10,8 +10,8 @@
 #include <sys/resource.h>
 #include <boost/asio/post.hpp>
 
+#include "os/thread.h"
 #include "serve/http_session.h"
-#include "serve/threads.h"
 #include "zuva/logger.h"
 #include "zuva/server.h"
 
@@ -70,7 +70,7 @@ void WebServer::Start() {
     end_ = ended_.get_future();
     stopping_ = false;
     io_.restart();
-    thread_ = StartThread("zuva-io", [this] { Run(); });
+    thread_ = os::StartThread("zuva-io", [this] { Run(); });
   } catch (...) {  // nothing stays behind of a start that fails
     changes_->Close();
     listeners_.clear();

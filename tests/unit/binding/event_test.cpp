@@ -116,6 +116,14 @@ TEST_F(EventTest, SampleAfterTheHandlersUpdateDispatchesAnew) {
   EXPECT_EQ(seen, (Numbered{2, 3}));
 }
 
+TEST_F(EventTest, UpdateKeepsWhatTheFilterAccepts) {
+  event.subscribe(3);
+  for (std::uint64_t number = 1; number <= 3; ++number) port->Notify(number);
+  EXPECT_TRUE(event.update([](const auto& sample) { return sample.at(0).wide != 2U; }));
+  EXPECT_EQ(Numbers(event.get_cached_samples()), (Numbered{1, 3}));
+  EXPECT_FALSE(event.update()) << "a sample that was refused is gone";
+}
+
 TEST_F(EventTest, UpdateReplacesAndCleanupEmptiesButKeepsWhatWasCopied) {
   event.subscribe(2);
   for (std::uint64_t number = 1; number <= 3; ++number) port->Notify(number);

@@ -1,38 +1,17 @@
 #include "xr/com/execution/static_thread_pool.h"
 
-#include <pthread.h>
-#include <signal.h>
-
 #include <algorithm>
 #include <string>
 #include <utility>
 
+#include "os/thread.h"
+
 namespace xr::com {
-namespace {
-
-/// Blocks all signals while it lives, so that threads started meanwhile leave the process's signals to the main thread.
-class Signals_blocked {
- public:
-  Signals_blocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &former_);
-  }
-  ~Signals_blocked() { pthread_sigmask(SIG_SETMASK, &former_, nullptr); }
-  Signals_blocked(const Signals_blocked&) = delete;
-  Signals_blocked& operator=(const Signals_blocked&) = delete;
-
- private:
-  sigset_t former_{};
-};
-
-}  // namespace
 
 static_thread_pool::static_thread_pool(std::size_t threads) {
-  const Signals_blocked blocked;
   const auto count = std::max<std::size_t>(threads, 1);
   try {
-    while (threads_.size() < count) threads_.emplace_back([this, number = threads_.size()] { run(number); });
+    while (threads_.size() < count) threads_.push_back(os::StartThread("com_pool_" + std::to_string(threads_.size()), [this] { run(); }));
   } catch (...) {  // the threads already running must be joined before the members go
     stop();
     throw;
@@ -75,8 +54,7 @@ void static_thread_pool::sub_outstanding_work() {
   --outstanding_;
 }
 
-void static_thread_pool::run(std::size_t number) {
-  pthread_setname_np(pthread_self(), ("com_pool_" + std::to_string(number)).c_str());
+void static_thread_pool::run() {
   std::unique_lock lock{mutex_};
   while (true) {
     changed_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });

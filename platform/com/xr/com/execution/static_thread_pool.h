@@ -33,7 +33,7 @@ class static_thread_pool final : public Executor {
   std::size_t outstanding_work() const;
 
  private:
-  void run(std::size_t number);
+  void run();
   void sub_outstanding_work();
 
   mutable std::mutex mutex_;  // guards the members up to stopping_

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "ara/log/logging.h"
+#include "os/thread.h"
 #include "xr/com/loggers.h"
-#include "xr/com/transport/named_thread.h"
 
 namespace xr::com::transport {
 namespace {
@@ -16,7 +16,7 @@ bool same(const std::weak_ptr<Find>& one, const std::weak_ptr<Find>& other) {
 
 }  // namespace
 
-Find_thread::Find_thread() : thread_{start_thread("xr_find", [this] { run(); })} {}
+Find_thread::Find_thread() : thread_{os::StartThread("xr_find", [this] { run(); })} {}
 
 Find_thread::~Find_thread() {
   stop();

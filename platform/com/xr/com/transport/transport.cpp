@@ -6,8 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "os/thread.h"
 #include "xr/com/exceptions.h"
-#include "xr/com/transport/named_thread.h"
 
 namespace xr::com::transport {
 namespace {
@@ -70,7 +70,7 @@ Transport::~Transport() {
 
 void Transport::start() {
   boost::asio::post(io_, [this] { discovery_.start(); });
-  thread_ = start_thread("xr_transport", [this] { run(); });
+  thread_ = os::StartThread("xr_transport", [this] { run(); });
 }
 
 void Transport::run() {

@@ -1,9 +1,9 @@
 #include "ara/log/impl/dlt_sink.h"
 
 #include "ara/log/impl/dlt_context_ids.h"
-#include "ara/log/impl/signals_blocked.h"
 #include "ara/log/impl/text.h"
 #include "ara/log/logger.h"
+#include "os/thread.h"
 
 #include <dlt/dlt.h>
 
@@ -40,8 +40,8 @@ class DltSink final : public Sink {
  public:
   DltSink(const std::string& applicationId, const std::string& description) {
     const SigPipeKept disposition;
-    const SignalsBlocked blocked;     // its threads inherit the mask
-    ::dlt_log_init(DLT_LOG_DROPPED);  // its notices about itself, which otherwise land on standard output
+    const os::SignalsBlocked blocked;  // its threads inherit the mask
+    ::dlt_log_init(DLT_LOG_DROPPED);   // its notices about itself, which otherwise land on standard output
     if (::dlt_init() < DLT_RETURN_OK || ::dlt_register_app(applicationId.c_str(), description.c_str()) < DLT_RETURN_OK) {
       throw std::runtime_error{"Cannot initialise the DLT library"};
     }

@@ -1,7 +1,7 @@
 #include "ara/log/impl/writer.h"
 
-#include "ara/log/impl/signals_blocked.h"
 #include "ara/log/logger.h"
+#include "os/thread.h"
 
 #include <pthread.h>
 
@@ -23,8 +23,7 @@ constexpr std::chrono::milliseconds kNap{5};
 
 Writer::Writer(std::unique_ptr<Sink> sink, const Logger& self, EarlyRecords::Kept early)
     : ring_{kRingBytes}, self_{self}, sink_{std::move(sink)}, early_{std::move(early)} {
-  const SignalsBlocked blocked;
-  thread_ = std::thread{[this] { Run(); }};
+  thread_ = os::StartThread("log_writer", [this] { Run(); });
 }
 
 void Writer::Push(const Record& record) noexcept {
@@ -49,7 +48,6 @@ void Writer::Wake() noexcept {
 }
 
 void Writer::Run() {
-  ::pthread_setname_np(::pthread_self(), "log_writer");
   while (!stopping_.load(std::memory_order_seq_cst)) RestAfter(WriteOut());
 }
 
