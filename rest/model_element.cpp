@@ -116,8 +116,8 @@ bool ModelElement::SetWords(std::string_view name, std::span<const std::string> 
     list->Append(ara::rest::MakePointer<ogm::String>(word));
   }
   const zuva::ChangeScope scope{*this};
-  AddField<ogm::Array>(name);
-  return SetFieldValue<ogm::Array>(name, std::move(list));
+  const bool added = AddField<ogm::Array>(name);
+  return SetFieldValue<ogm::Array>(name, std::move(list), added);
 }
 
 void ModelElement::Unset(std::string_view name) {

@@ -40,8 +40,7 @@ void report_instances(std::string_view service, const std::string& instance, con
   }
 }
 
-Find_service_handle start_find(std::string_view service, const std::string& instance, Instances_handler handler, ara::log::Logger& logger) {
-  logger.LogDebug() << "Looking for instance " << instance << " of " << service;
+Find_service_handle start_find(std::string_view service, const std::string& instance, Instances_handler handler, ara::log::Logger&) {
   return runtime::Component_singleton::get_service_finder().start_find(
       std::string{service}, instance, [service, instance, handler = std::move(handler)](std::vector<runtime::Service_instance> found) {
         report_instances(service, instance, handler, std::move(found));

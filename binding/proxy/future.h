@@ -15,7 +15,7 @@ class Promise;
 
 /// The result of a method call, to be had once. Movable; empty when default-constructed, moved from, or after `get`.
 ///
-/// Dropping it abandons the call: nobody waits for the answer any more. One thread at a time uses one future.
+/// Dropping it takes nothing back: an answer that still comes is dropped too. One thread at a time uses one future.
 template <class T>
 class Future {
  public:
@@ -36,9 +36,6 @@ class Future {
     wait();
     return std::exchange(state_, nullptr)->take();
   }
-
-  /// Keeps `owner` alive until the future is dropped or its result taken.
-  void keep_alive(std::shared_ptr<void> owner) const { state().keep_alive(std::move(owner)); }
 
  private:
   friend class Promise<T>;

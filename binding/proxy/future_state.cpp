@@ -18,11 +18,6 @@ Future_status Future_state_base::wait_for(std::chrono::nanoseconds time) const {
   return changed_.wait_for(lock, time, [this] { return ready_; }) ? Future_status::ready : Future_status::timeout;
 }
 
-void Future_state_base::keep_alive(std::shared_ptr<void> owner) {
-  const std::lock_guard lock{mutex_};
-  owner_.swap(owner);
-}
-
 void Future_state_base::rethrow_locked() const {
   if (exception_) std::rethrow_exception(exception_);
 }

@@ -25,9 +25,6 @@ class Future_state_base {
   void wait() const;
   Future_status wait_for(std::chrono::nanoseconds time) const;
 
-  /// Keeps `owner` alive as long as somebody may still ask for the result.
-  void keep_alive(std::shared_ptr<void> owner);
-
  protected:
   ~Future_state_base() = default;
 
@@ -52,7 +49,6 @@ class Future_state_base {
   mutable std::condition_variable changed_;
   bool ready_ = false;
   std::exception_ptr exception_;
-  std::shared_ptr<void> owner_;
 };
 
 template <class T>

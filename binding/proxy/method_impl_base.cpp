@@ -66,9 +66,7 @@ Method_impl_base::Method_impl_base(Method_context context, std::shared_ptr<Clien
 
 Method_impl_base::~Method_impl_base() {
   for (const auto& cleanup : cleanups_) {
-    const auto call = cleanup.call.lock();
-    if (!call || cleanup.promise.expired() || call->is_ready()) continue;
-    Dlt::trace(incidents::Method_call_request_cancelled{context_->identity(), context_->id});
+    if (!cleanup.is_over()) Dlt::trace(incidents::Method_call_request_cancelled{context_->identity(), context_->id});
   }
 }
 
@@ -76,17 +74,15 @@ void Method_impl_base::throw_if_not_available() const {
   if (!port_->is_available(context_->method)) throw Service_not_available_exception{};
 }
 
-std::shared_ptr<Pending_call> Method_impl_base::send(Shared_payload request, const std::shared_ptr<Answer>& answer) {
-  std::shared_ptr<Pending_call> call = port_->call(context_->method, std::move(request), [context = context_, answer](const Reply& reply) {
-    detail::complete(*context, *answer, reply);
-  });
-  add_cleanup(answer, call);
-  return call;
+void Method_impl_base::send(Shared_payload request, const std::shared_ptr<Answer>& answer) {
+  auto call = port_->call(context_->method, std::move(request),
+                          [context = context_, answer](const Reply& reply) { detail::complete(*context, *answer, reply); });
+  add_cleanup(answer, std::move(call));
 }
 
-void Method_impl_base::add_cleanup(std::weak_ptr<Answer> promise, std::weak_ptr<Pending_call> call) {
+void Method_impl_base::add_cleanup(std::weak_ptr<Answer> promise, std::unique_ptr<Pending_call> call) {
   const std::lock_guard lock{mutex_};
-  std::erase_if(cleanups_, [](const Cleanup& cleanup) { return cleanup.promise.expired() || cleanup.call.expired(); });
+  std::erase_if(cleanups_, [](const Cleanup& cleanup) { return cleanup.is_over(); });
   cleanups_.push_back({std::move(promise), std::move(call)});
 }
 

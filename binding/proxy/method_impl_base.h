@@ -53,24 +53,25 @@ class Method_impl_base {
  protected:
   Method_impl_base(Method_context context, std::shared_ptr<Client_port> port);
 
-  /// Runs the cleanups: each call still open becomes an incident. Waits for nothing.
+  /// Runs the cleanups: each call still open becomes an incident and is abandoned. Waits for nothing.
   ~Method_impl_base();
 
   /// @throws Service_not_available_exception
   void throw_if_not_available() const;
 
-  /// Hands the request to the transport. The result keeps the call open: dropping it abandons the call.
-  /// @throws as `Client_port::call`.
-  std::shared_ptr<Pending_call> send(Shared_payload request, const std::shared_ptr<Answer>& answer);
+  /// Hands the request to the transport. @throws as `Client_port::call`.
+  void send(Shared_payload request, const std::shared_ptr<Answer>& answer);
 
   const Method_context& context() const { return *context_; }
 
  private:
   struct Cleanup {
-    std::weak_ptr<Answer> promise;     // gone when the call was completed, abandoned, or given up by the transport
-    std::weak_ptr<Pending_call> call;  // owned by the future
+    std::weak_ptr<Answer> promise;  // gone when the call was completed or given up by the transport
+    std::unique_ptr<Pending_call> call;
+
+    bool is_over() const { return promise.expired() || call->is_ready(); }
   };
-  void add_cleanup(std::weak_ptr<Answer> promise, std::weak_ptr<Pending_call> call);
+  void add_cleanup(std::weak_ptr<Answer> promise, std::unique_ptr<Pending_call> call);
 
   const std::shared_ptr<const Method_context> context_;
   const std::shared_ptr<Client_port> port_;

@@ -25,10 +25,9 @@ SOMEIP_RESPONSE_TYPE CommunicationsManager::TellSomeIpToUpdate_ValueControls(con
     stateNumber = Number<cmc::DT_ChargingManagementCore_valueControls_specialState>(*specialState);
     // The direction in these words is as it stands.
     if (!stateNumber) logger.LogDebug() << "[CommMngr][Someip -> Zuva] Map exception";
-    // Reading a missing number throws, on purpose: an unknown word has no business here, and the write must fail.
-    const auto number = stateNumber.value();
+    // Reading a missing number throws in the middle of the line, on purpose: an unknown word has no business here, the write must fail.
     logger.LogInfo() << "[CommMngr] Translated ValueControl object specialState " << *specialState << " from zuva into specialState "
-                     << number << " for someip...";
+                     << stateNumber.value() << " for someip...";
   }
   const auto listener = someIpListener.Get();
   if (!listener) return SOMEIP_RESPONSE_TYPE::SET_ERROR;
@@ -127,8 +126,7 @@ SOMEIP_RESPONSE_TYPE CommunicationsManager::TellSomeIpToUpdate_ResetStatus(const
     const auto listener = someIpListener.Get();
     if (!listener) return SOMEIP_RESPONSE_TYPE::SET_ERROR;
     return listener->Update_FactoryResetInfo(number);
-  } catch (const std::exception&) {
-    // An exception of the listener's is told like a missing word, on purpose.
+  } catch (...) {  // an exception of the listener's is told like a missing word, on purpose
     logger.LogDebug() << "[CommMngr][Someip -> Zuva] Map exception";
     return SOMEIP_RESPONSE_TYPE::SET_ERROR;
   }

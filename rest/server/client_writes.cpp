@@ -227,10 +227,11 @@ bool TROVZuVaServer::Validate_SwitchControl(const SwitchControlObject& object, c
 }
 
 bool TROVZuVaServer::Validate_ValueControl(const ValueControlObject& object, std::uint32_t value) const {
-  const auto minimum = object.Read<ogm::Int>("minValue").value_or(0);
-  const auto maximum = object.Read<ogm::Int>("maxValue").value_or(3000);
+  const auto fields = object.ToOGM();  // a copy, so that the limits are those of one update of the vehicle
+  const auto minimum = Posted<ogm::Int>(*fields, "minValue").value_or(0);
+  const auto maximum = Posted<ogm::Int>(*fields, "maxValue").value_or(3000);
   if (value < minimum || value > maximum) return false;
-  const auto resolution = object.Read<ogm::Int>("resolution");
+  const auto resolution = Posted<ogm::Int>(*fields, "resolution");
   if (!resolution) return true;
   return *resolution != 0 && value % *resolution == 0;  // of the value itself, not of its distance from the minimum
 }

@@ -1,6 +1,6 @@
 #include "rest/server/element_update.h"
 
-#include "ara/rest/exceptions.h"
+#include "rest/typed_elements.h"
 
 namespace trov::zuvaServer {
 
@@ -22,7 +22,7 @@ void ErrorLines::LogOther(const ara::log::Logger& logger, std::string_view field
 
 std::shared_ptr<zuva::server::ModelElement> FindByType(zuva::ServerResource& resource, const Word& type) {
   for (const auto& element : resource.GetElements()) {
-    const auto object = std::static_pointer_cast<zuva::server::ModelElement>(element);
+    const auto object = zuva::server::TypedElement<zuva::server::ModelElement>(element);
     if (object->HasWord("type", type.value())) return object;
   }
   return nullptr;

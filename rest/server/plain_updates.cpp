@@ -46,7 +46,7 @@ std::optional<std::tm> LocalTime(std::uint64_t seconds) {
   if (seconds > static_cast<std::uint64_t>(std::numeric_limits<std::time_t>::max())) return std::nullopt;
   const auto time = static_cast<std::time_t>(seconds);
   std::tm broken{};
-  if (!localtime_r(&time, &broken) || broken.tm_year + 1900 > 9999) return std::nullopt;
+  if (!localtime_r(&time, &broken) || broken.tm_year > 9999 - 1900) return std::nullopt;
   return broken;
 }
 

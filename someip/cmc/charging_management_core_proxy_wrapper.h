@@ -31,7 +31,7 @@ struct Service {
       .cleanupUnserved = "[cmcwrapper] Cleanup not implemented for this data type.",
       .getUnserved = "[cmcwrapper] Get not implemented for this someip data type.",
       .findBegins = "[cmcwrapper] ChargingManagementCoreProxyWrapper - StartFindService",
-      .findFailed = "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - StartFindService - FAILED - catch error block",
+      .findFailed = "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - StartFindService - FAILLED - catch error block",
       .findRuns = "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - StartFindService - STARTED SUCCESSFULLY",
       .findWithoutHandle = "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - Error: ServiceHandlePtr is NULL"};
 };

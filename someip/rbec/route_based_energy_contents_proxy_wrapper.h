@@ -32,7 +32,7 @@ struct Service {
       .cleanupUnserved = kUpdateUnserved,  // on purpose
       .getUnserved = "[rbecwrapper] Get not implemented for this someip data type.",
       .findBegins = "[rbewrapper] RouteBasedEnergyContentsProxyWrapper - StartFindService",
-      .findFailed = "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - StartFindService - FAILED - catch error block",
+      .findFailed = "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - StartFindService - FAILLED - catch error block",
       .findRuns = "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - StartFindService - STARTED SUCCESSFULLY",
       .findWithoutHandle = "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - Error: ServiceHandlePtr is NULL"};
 };

@@ -160,6 +160,10 @@ class Document:
         words = definition.get("enum") or definition.get("items", {}).get("enum")
         if words:
             self.file.unique(place, words, "word")
+        if rows and not words:
+            self.file.refuse(place, "a table of words, but no words")
+        if words and self.tables and not rows:
+            self.file.refuse(place, "words without a table")
         if words and rows and sorted(words) != sorted(word for _, word in rows):
             self.file.refuse(place, f"words differ from the table's: {sorted(set(words) ^ {word for _, word in rows})}")
         if definition.get("minimum", 0) > definition.get("maximum", 0):

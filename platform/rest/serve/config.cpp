@@ -4,11 +4,12 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <set>
-#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -168,12 +169,15 @@ Config ParseConfig(std::string_view text) {
 Config ReadConfig(const std::string& path) {
   const char* root = std::getenv("ARA_ROOT");
   const std::string place = (root == nullptr ? std::string{} : std::string{root}) + path;
+  std::error_code error;
+  const bool regular = std::filesystem::is_regular_file(place, error);  // a pipe, say, would block the start
+  if (error) throw ConfigError{"cannot be opened: " + error.message()};
+  if (!regular) throw ConfigError{"is not a regular file"};
   std::ifstream file{place, std::ios::binary};
   if (!file) throw ConfigError{"cannot be opened: " + std::generic_category().message(errno)};
-  std::ostringstream text;
-  text << file.rdbuf();
-  if (!file) throw ConfigError{"cannot be read"};
-  return ParseConfig(text.str());
+  const std::string text{std::istreambuf_iterator<char>{file}, {}};
+  if (file.bad()) throw ConfigError{"cannot be read"};
+  return ParseConfig(text);
 }
 
 }  // namespace zuva::serve

@@ -1,9 +1,18 @@
 #include "serve/connection.h"
 
+#include <cerrno>
 #include <utility>
 #include <vector>
 
+#include <sys/socket.h>
+
 namespace zuva::serve {
+
+bool HasLeft(boost::asio::ip::tcp::socket& socket) {
+  char next = 0;
+  const auto bytes = ::recv(socket.native_handle(), &next, 1, MSG_PEEK | MSG_DONTWAIT);
+  return bytes == 0 || (bytes < 0 && errno != EAGAIN && errno != EINTR);
+}
 
 void Connections::Add(std::shared_ptr<Connection> connection) {
   auto* const key = connection.get();

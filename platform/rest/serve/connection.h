@@ -7,6 +7,8 @@
 #include <optional>
 #include <unordered_map>
 
+#include <boost/asio/ip/tcp.hpp>
+
 namespace zuva::serve {
 
 using Clock = std::chrono::steady_clock;
@@ -26,6 +28,9 @@ class Connection {
   /// Since when it has nothing to do and could be closed for another client; nothing if it could not.
   virtual std::optional<Clock::time_point> IdleSince() const { return std::nullopt; }
 };
+
+/// Whether the client has closed its side of the connection, so that an answer is of no use. What it sent before stays to be read.
+bool HasLeft(boost::asio::ip::tcp::socket& socket);
 
 /// The connections of a server, which owns them here. I/O thread only.
 class Connections {

@@ -66,11 +66,12 @@ bool Conversation::Set(Message message, const Echo& echo) {
   if (!destination) return refuse(404, kNotFound);
   if (!TakesPost(destination)) return refuse(405, kNotAllowed);
   const void* const resource = destination.resource.get();
-  auto write = std::make_shared<TreeWrite>(std::move(destination), std::string{target->path}, std::move(message.document), *message.value,
-                                           [this, keep = socket_.Keep(), echo](const ServerReply* reply) {
-                                             Answer(WriteAnswer(echo, reply));
-                                             keep->OnAnswered();
-                                           });
+  auto write = std::make_shared<TreeWrite>(
+      std::move(destination), std::string{target->path}, std::move(message.document), *message.value, [this] { return !socket_.HasLeft(); },
+      [this, keep = socket_.Keep(), echo](const ServerReply* reply) {
+        Answer(WriteAnswer(echo, reply));
+        keep->OnAnswered();
+      });
   if (!hub_.posts.Submit(resource, std::move(write))) return refuse(503, kBusy);
   return false;
 }

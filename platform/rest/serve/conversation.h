@@ -24,6 +24,8 @@ class Conversation {
    public:
     /// What keeps the socket, and with it the conversation, alive while an answer is outstanding.
     virtual std::shared_ptr<Socket> Keep() = 0;
+    /// Whether the client has closed its side.
+    virtual bool HasLeft() = 0;
     /// The answer that the last message left outstanding is in the outbox; the next message may come.
     virtual void OnAnswered() = 0;
   };

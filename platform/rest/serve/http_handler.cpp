@@ -60,7 +60,8 @@ Verdict JudgeOptions(Hub& hub, const HttpRequest& request, std::string_view path
 
 Verdict JudgeUpgrade(Hub& hub, const HttpRequest& request) {
   if (!request.origin.empty() && !hub.rules.AllowsOrigin(request.origin, request.host)) return Problem(403, "Foreign origin");
-  if (request.webSocketVersion != "13") return Problem(426, "WebSocket version 13 is needed", "Sec-WebSocket-Version: 13\r\n");
+  if (request.webSocketVersion != "13")
+    return Problem(426, "WebSocket version 13 is needed", "Upgrade: websocket\r\nSec-WebSocket-Version: 13\r\n");
   constexpr std::size_t kKeyLength = 24;  // 16 bytes in base64
   if (request.webSocketKey.size() != kKeyLength) return Problem(400, "Bad Sec-WebSocket-Key");
   Verdict verdict;
@@ -91,7 +92,7 @@ Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view path) 
 
 Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::address& local, std::string& knownHost) {
   if (request.hostCount != 1) return Problem(400, "One Host field is needed");
-  if (request.host != knownHost) {
+  if (knownHost.empty() || request.host != knownHost) {
     if (!hub.rules.AllowsHost(request.host, local)) return Problem(421, "This server does not go by that name");
     knownHost = request.host;
   }

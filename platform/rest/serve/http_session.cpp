@@ -164,10 +164,12 @@ HttpSession::Progress HttpSession::Handle() {
 }
 
 HttpSession::Progress HttpSession::HandleWrite(Verdict verdict) {
-  Enter(State::kHandling);
   const void* const resource = verdict.destination.resource.get();
-  auto write = std::make_shared<TreeWrite>(std::move(verdict.destination), std::string{verdict.path}, reader_.TakeBody(),
-                                           [self = shared_from_this()](const ServerReply* reply) { self->OnWritten(reply); });
+  auto write = std::make_shared<TreeWrite>(
+      std::move(verdict.destination), std::string{verdict.path}, reader_.TakeBody(),
+      [this] { return state_ == State::kHandling && !HasLeft(socket_); },
+      [self = shared_from_this()](const ServerReply* reply) { self->OnWritten(reply); });
+  Enter(State::kHandling);
   if (hub_.posts.Submit(resource, std::move(write))) return Progress::kLater;
   return Send(WriteResponse(nullptr));
 }

@@ -51,8 +51,8 @@ void Listener::AcceptNext() {
       GetLogger().LogWarn() << "A connection could not be taken: " << error.message();
       return AcceptLater();
     }
+    AcceptNext();  // first: trouble with one client does not end the listening
     taker_(std::move(socket));
-    AcceptNext();
   });
 }
 

@@ -1,7 +1,6 @@
 #include "serve/message.h"
 
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <utility>
 
@@ -34,14 +33,28 @@ const std::string* Text(const ogm::Object& object, std::string_view name) {
   return value ? &static_cast<const ogm::String&>(*value).GetValue() : nullptr;
 }
 
-/// The client's own id as JSON; empty if there is none that can be told.
-std::string RequestId(const ogm::Object& document) {
-  if (const auto* number = Member(document, "requestId", ogm::Kind::Real)) {
-    // Not as the tree is written: there a number is a 32-bit float.
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<const ogm::Real&>(*number).GetValue()).ptr;
-    return {digits.data(), end};
+/// The number that is a member's value, as it stands in the text of a sound document; empty if the name is not written plainly.
+std::string_view NumberText(std::string_view text, std::string_view name) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  int depth = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '{' || text[i] == '[') ++depth;
+    if (text[i] == '}' || text[i] == ']') --depth;
+    if (text[i] != '"') continue;
+    const auto begin = ++i;
+    for (; text[i] != '"'; ++i) i += text[i] == '\\' ? 1 : 0;
+    const auto colon = text.find_first_not_of(kBlanks, i + 1);
+    if (depth != 1 || text[colon] != ':' || text.substr(begin, i - begin) != name) continue;
+    const auto value = text.find_first_not_of(kBlanks, colon + 1);
+    return text.substr(value, text.find_first_of(" \t\r\n,}", value) - value);
   }
+  return {};
+}
+
+/// The client's own id as JSON; empty if there is none that can be told.
+std::string RequestId(const ogm::Object& document, std::string_view text) {
+  // Not as the tree is written: a client may count in more digits than a number of the tree has.
+  if (Member(document, "requestId", ogm::Kind::Real)) return std::string{NumberText(text, "requestId")};
   for (const auto kind : {ogm::Kind::String, ogm::Kind::Int}) {
     if (const auto* value = Member(document, "requestId", kind)) return ara::rest::serialize::ToText(*value);
   }
@@ -78,7 +91,7 @@ std::optional<Message> ReadMessage(std::string_view text, Echo& echo, std::strin
 
   const auto* action = Text(document, "action");
   if (action) echo.action = *action;
-  echo.requestId = RequestId(document);
+  echo.requestId = RequestId(document, text);
   if (echo.requestId.empty()) return refuse("requestId must be a string or a number");
   if (!action) return refuse("action is missing");
   const auto* known = kActions.begin();

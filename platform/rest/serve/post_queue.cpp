@@ -1,5 +1,6 @@
 #include "serve/post_queue.h"
 
+#include <iterator>
 #include <utility>
 
 #include <boost/asio/executor_work_guard.hpp>
@@ -56,14 +57,20 @@ void PostQueue::OnFinished(const void* resource, PostTask& task) {
 
 void PostQueue::StartWaiting() {
   const auto now = std::chrono::steady_clock::now();
+  std::list<Waiting> left;
   for (auto waiting = waiting_.begin(); waiting != waiting_.end() && busyThreads_ < pool_.Size();) {
-    if (waiting->deadline <= now || !MayRun(waiting->resource)) {
-      ++waiting;
-      continue;
+    const auto next = std::next(waiting);
+    if (waiting->deadline > now && MayRun(waiting->resource)) {
+      if (waiting->task->IsWanted()) {
+        Start(waiting->resource, std::move(waiting->task));
+        waiting_.erase(waiting);
+      } else {
+        left.splice(left.end(), waiting_, waiting);
+      }
     }
-    Start(waiting->resource, std::move(waiting->task));
-    waiting = waiting_.erase(waiting);
+    waiting = next;
   }
+  for (auto& waiting : left) waiting.task->Refuse();
 }
 
 void PostQueue::ArmTimer() {

@@ -17,13 +17,16 @@ namespace zuva::serve {
 class PostTask {
  public:
   virtual ~PostTask() = default;
+  /// On the I/O thread, after it has waited: false if its client has left.
+  virtual bool IsWanted() const noexcept = 0;
   virtual void Run() noexcept = 0;     ///< on a request thread
   virtual void Finish() noexcept = 0;  ///< on the I/O thread, after Run
   virtual void Refuse() noexcept = 0;  ///< on the I/O thread, in place of both, after it has waited
 };
 
 /// Decides which writes get a request thread: in order of arrival, but at most two of one resource at a time, so that a vehicle that is
-/// mute about one resource starves no other. What has waited too long, or finds the queue full, is refused unrun.
+/// mute about one resource starves no other. What has waited too long, whose client has left meanwhile, or what finds the queue full, is
+/// refused unrun.
 /// Used on the I/O thread alone.
 class PostQueue {
  public:

@@ -41,6 +41,12 @@ void AddToList(std::string& list, std::string_view value) {
   list += value;
 }
 
+/// Whether a line of the head goes on in the next one, which nobody may send any more (RFC 9112 section 5.2).
+bool HasFoldedLine(std::string_view head) {
+  head = head.substr(0, head.find("\r\n\r\n"));
+  return head.find("\r\n ") != std::string_view::npos || head.find("\r\n\t") != std::string_view::npos;
+}
+
 }  // namespace
 
 /// Writes what it hears into the request at hand; fields that nobody asks for are dropped at once.
@@ -58,9 +64,18 @@ class RequestReader::Parser final : public http::basic_parser<true> {
     request_.target = target;
     request_.version = static_cast<unsigned>(version);
   }
-  void on_field_impl(http::field name, beast::string_view, beast::string_view value, beast::error_code&) override {
+  void on_field_impl(http::field name, beast::string_view, beast::string_view value, beast::error_code& error) override {
     if (headComplete_) return;  // a trailer says nothing here
     switch (name) {
+      // Beast reads these two itself, but lets pass what another server on the way may understand differently.
+      case http::field::content_length:
+        if (std::exchange(hasLength_, true) || value.find(',') != beast::string_view::npos) error = http::error::bad_content_length;
+        break;
+      case http::field::transfer_encoding:
+        if (std::exchange(hasCoding_, true) || request_.version < 11 || !EqualsIgnoringCase(value, "chunked")) {
+          error = http::error::bad_transfer_encoding;
+        }
+        break;
       case http::field::host:
         ++request_.hostCount;
         request_.host = value;
@@ -113,6 +128,8 @@ class RequestReader::Parser final : public http::basic_parser<true> {
   HttpRequest& request_;
   bool headComplete_ = false;
   bool namesWebSocket_ = false;
+  bool hasLength_ = false;
+  bool hasCoding_ = false;
 };
 
 struct RequestReader::Slot {
@@ -150,7 +167,10 @@ ReadState RequestReader::Take(std::span<const char> bytes, std::size_t& taken) {
     const auto used = parser.put(boost::asio::const_buffer{window.data(), window.size()}, error);
     taken += used;
     bytes = bytes.subspan(used);
-    if (inHead) headBytes_ += used;
+    if (inHead) {
+      headBytes_ += used;
+      if (HasFoldedLine({window.data(), used})) return ReadState::kMalformed;
+    }
     if (error == http::error::header_limit) return ReadState::kHeadTooLarge;
     if (error == http::error::body_limit) return ReadState::kBodyTooLarge;
     if (error && error != http::error::need_more) return ReadState::kMalformed;

@@ -7,9 +7,6 @@
 namespace zuva::serve {
 namespace {
 
-/// Snapshots are taken again while the list changes under them, but not for ever.
-constexpr int kLooks = 8;
-
 bool Watches(const Seat& seat, std::string_view path) {
   const auto& wanted = seat.subscription->elementPath;
   return wanted.empty() || wanted == path;
@@ -36,28 +33,25 @@ std::string ResourceNode::Join(Subscription& subscription) {
   auto& seat = *subscription.seats.emplace_back(std::make_unique<Seat>());
   seat.subscription = &subscription;
   seat.node = this;
-  std::string elements = Look(seat);
-  for (int looks = 1; looks < kLooks && seat.generation != resource_->GetGeneration(); ++looks) elements = Look(seat);
-  seats_.push_back(&seat);
-  return elements;
-}
-
-std::string ResourceNode::Look(Seat& seat) {
-  seat.members.clear();
-  seat.generation = resource_->GetGeneration();  // before the list: at worst an addition in it is not counted in, and then looked at again
+  const auto& list = resource_->Current();
+  seat.generation = list.generation;
   std::string elements;
-  for (const auto& element : resource_->GetElements()) {
-    const auto uri = element->GetUri();
-    const auto number = SlotOf(element, uri.GetText(), seat.generation);
-    if (!Watches(seat, uri.GetText())) continue;
+  for (std::size_t i = 0; i != list.items->size(); ++i) {
+    const auto& element = (*list.items)[i];
+    const auto& path = list.labels[i].path;
+    const auto number = SlotOf(element, path, seat.generation);
+    if (!Watches(seat, path)) continue;
     const auto& rendered = element->Render();
-    if (!seat.subscription->query.Accepts(*rendered->tree)) continue;
+    // One that was taken out since then may have another identity by now: it is gone, and told as added when it comes again.
+    if (element->GetUri().GetText() != path) continue;
+    if (!subscription.query.Accepts(*rendered->tree)) continue;
     auto& member = MemberOf(seat, number);
     member.known = true;
     member.version = rendered->version;
     if (!elements.empty()) elements += ',';
     elements += rendered->body;
   }
+  seats_.push_back(&seat);
   return elements;
 }
 

@@ -43,7 +43,6 @@ class ResourceNode {
   void TellRemoved(const Change& change, Touched& touched);
   void TellFiltered(Seat& seat, std::uint32_t number, const Rendered& rendered, Touched& touched);
 
-  std::string Look(Seat& seat);
   std::uint32_t SlotOf(const std::shared_ptr<ServerElement>& element, std::string_view path, std::uint64_t generation);
   void FreeSlot(std::uint32_t number);
   bool IsPresent(const Slot& slot) const;

@@ -8,14 +8,18 @@
 
 namespace zuva::serve {
 
-TreeWrite::TreeWrite(Server::Destination destination, std::string path, std::string text, Done done)
-    : path_{std::move(path)}, destination_{std::move(destination)}, text_{std::move(text)}, done_{std::move(done)} {
+TreeWrite::TreeWrite(Server::Destination destination, std::string path, std::string text, Wanted wanted, Done done)
+    : path_{std::move(path)},
+      destination_{std::move(destination)},
+      text_{std::move(text)},
+      wanted_{std::move(wanted)},
+      done_{std::move(done)} {
   if (const auto matches = ara::rest::Matches::Split(path_)) destination_.matches = *matches;  // views into the path of its own
 }
 
 TreeWrite::TreeWrite(Server::Destination destination, std::string path, ara::rest::Pointer<ogm::Object> document, const ogm::Object& value,
-                     Done done)
-    : TreeWrite{std::move(destination), std::move(path), std::string{}, std::move(done)} {
+                     Wanted wanted, Done done)
+    : TreeWrite{std::move(destination), std::move(path), std::string{}, std::move(wanted), std::move(done)} {
   document_ = std::move(document);
   value_ = &value;
 }

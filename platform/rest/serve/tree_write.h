@@ -16,13 +16,16 @@ class TreeWrite final : public PostTask {
  public:
   /// Called on the I/O thread, once; without a reply the write was refused unrun.
   using Done = std::function<void(const ServerReply* reply)>;
+  /// Whether the client is still there; called on the I/O thread, not after `Done`.
+  using Wanted = std::function<bool()>;
 
   /// The posted document as text, to be read on the request thread.
-  TreeWrite(Server::Destination destination, std::string path, std::string text, Done done);
+  TreeWrite(Server::Destination destination, std::string path, std::string text, Wanted wanted, Done done);
   /// The same, read already; `value` is part of `document`.
   TreeWrite(Server::Destination destination, std::string path, ara::rest::Pointer<ogm::Object> document, const ogm::Object& value,
-            Done done);
+            Wanted wanted, Done done);
 
+  bool IsWanted() const noexcept override { return wanted_(); }
   void Run() noexcept override;
   void Finish() noexcept override;
   void Refuse() noexcept override;
@@ -37,6 +40,7 @@ class TreeWrite final : public PostTask {
   ara::rest::Pointer<ogm::Object> document_;
   const ogm::Object* value_ = nullptr;
   ServerReply reply_;
+  Wanted wanted_;
   Done done_;
 };
 

@@ -73,6 +73,10 @@ void WebServer::Start() {
     thread_ = os::StartThread("zuva-io", [this] { Run(); });
   } catch (...) {  // nothing stays behind of a start that fails
     changes_->Close();
+    for (const auto& listener : listeners_) listener->Close();
+    sweep_.cancel();
+    io_.restart();
+    io_.poll();  // what was started ends before what it works on goes
     listeners_.clear();
     hub_.reset();
     pool_.reset();
@@ -120,9 +124,9 @@ void WebServer::Take(asio::ip::tcp::socket socket) {
 void WebServer::SweepLater() {
   sweep_.expires_after(kSweepEvery);
   sweep_.async_wait([this](const boost::system::error_code& error) {
-    if (error) return;
+    if (error || stopping_) return;
+    SweepLater();  // first: trouble with one client does not end the sweeps
     hub_->connections.ForEach([now = Clock::now()](Connection& connection) { connection.Sweep(now); });
-    if (!stopping_) SweepLater();
   });
 }
 

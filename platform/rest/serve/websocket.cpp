@@ -28,18 +28,21 @@ namespace websocket = boost::beast::websocket;
 
 /// How long a client may take to answer a close.
 constexpr std::chrono::seconds kLongestClose{10};
-/// What may wait while the client takes frames, though too slowly. Far above the limit, which is for clients that take nothing.
-std::size_t HardLimit(const Limits& limits) {
-  return std::max<std::size_t>(8 * limits.pendingBytesPerClient, std::size_t{8} << 20U);
-}
+/// What may come in one go for a client that takes it by the next sweep, in multiples of the limit.
+constexpr std::size_t kBurst = 8;
+/// What the system keeps for a client. By itself it would grow to megabytes and hide how far the client is behind.
+constexpr int kSendBuffer = 256 * 1024;
 
-/// A WebSocket: reads a message only after the one before is answered, and writes what the outbox holds as the client takes it.
+/// A WebSocket: reads a message only after the one before is answered and when the client has taken most of its answers, and writes what
+/// the outbox holds as the client takes it.
 class WebSocketSession final : public Connection, public Conversation::Socket, public std::enable_shared_from_this<WebSocketSession> {
  public:
   WebSocketSession(Hub& hub, asio::ip::tcp::socket socket) : hub_{hub}, stream_{std::move(socket)}, conversation_{hub, *this} {
     stream_.read_message_max(hub.config.limits.bodyBytes);
     stream_.auto_fragment(false);
     stream_.text(true);
+    beast::error_code ignored;  // a socket that is broken already says so at the first read
+    stream_.next_layer().set_option(asio::socket_base::send_buffer_size{kSendBuffer}, ignored);
     stream_.control_callback([this](websocket::frame_type, beast::string_view) { Hear(); });
   }
 
@@ -53,13 +56,14 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   void Flush() override;
   void OnLost() override { CloseSlow(); }
   std::shared_ptr<Conversation::Socket> Keep() override { return shared_from_this(); }
+  bool HasLeft() override { return state_ == State::kEnded || serve::HasLeft(stream_.next_layer()); }
   void OnAnswered() override;
 
  private:
   enum class State : std::uint8_t { kAccepting, kOpen, kClosing, kEnded };
 
   void Hear();
-  void Read();
+  void ReadIfRoom();
   void OnRead(const beast::error_code& error);
   void OnWritten(const beast::error_code& error);
   void Close(websocket::close_code code);
@@ -74,12 +78,13 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   Conversation conversation_;
   State state_ = State::kAccepting;
   bool answering_ = false;  // an answer is outstanding, and no message is read
+  bool reading_ = false;
   Clock::time_point heard_ = Clock::now();
-  bool pinged_ = false;  // since then
+  bool pinged_ = false;   // since then
+  bool pinging_ = false;  // a ping waits for the socket, which takes one only
 
-  std::optional<Frame> frame_;  // being written
-  std::uint64_t written_ = 0;   // frames, now and at the sweep before
-  std::uint64_t writtenBefore_ = 0;
+  std::optional<Frame> frame_;                      // being written
+  bool wasBehind_ = false;                          // at the sweep before, more than the limit waited
   std::optional<websocket::close_code> closeCode_;  // to be sent behind what the outbox holds
   Clock::time_point closeDeadline_;
   bool closeSent_ = false;
@@ -97,7 +102,7 @@ void WebSocketSession::Start(const HttpRequest& request) {
     if (error) return self->Abort();
     self->state_ = self->closeCode_ ? State::kClosing : State::kOpen;
     self->Hear();
-    self->Read();
+    self->ReadIfRoom();
     self->Flush();
   });
 }
@@ -117,12 +122,14 @@ void WebSocketSession::Sweep(Clock::time_point now) {
     case State::kEnded:
       return;
   }
-  const bool stuck = std::exchange(writtenBefore_, written_) == written_;
-  if (stuck && outbox_.Bytes() > limits.pendingBytesPerClient) return CloseSlow();
+  const bool isBehind = outbox_.Bytes() > limits.pendingBytesPerClient;
+  if (std::exchange(wasBehind_, isBehind) && isBehind) return CloseSlow();
   if (answering_) return;  // what the client sends is not read meanwhile
   if (now - heard_ > idle) return Abort();
-  if (now - heard_ > idle / 2 && !std::exchange(pinged_, true)) {
-    stream_.async_ping({}, [self = shared_from_this()](const beast::error_code&) {});  // a failure shows at the next read
+  if (now - heard_ > idle / 2 && !pinging_ && !std::exchange(pinged_, true)) {
+    pinging_ = true;
+    stream_.async_ping(
+        {}, [self = shared_from_this()](const beast::error_code&) { self->pinging_ = false; });  // a failure shows at the next read
   }
 }
 
@@ -140,11 +147,15 @@ void WebSocketSession::Hear() {
   pinged_ = false;
 }
 
-void WebSocketSession::Read() {
+void WebSocketSession::ReadIfRoom() {
+  if (reading_ || answering_ || state_ == State::kEnded) return;
+  if (outbox_.Bytes() > hub_.config.limits.pendingBytesPerClient / 2) return;
+  reading_ = true;
   stream_.async_read(input_, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnRead(error); });
 }
 
 void WebSocketSession::OnRead(const beast::error_code& error) {
+  reading_ = false;
   if (state_ == State::kEnded) return;
   if (error) {
     // Where the client broke the protocol Beast has told it why; otherwise it has closed or is gone.
@@ -159,7 +170,7 @@ void WebSocketSession::OnRead(const beast::error_code& error) {
   }
   input_.consume(input_.size());
   Flush();
-  if (!answering_) Read();
+  ReadIfRoom();
 }
 
 void WebSocketSession::OnAnswered() {
@@ -168,12 +179,12 @@ void WebSocketSession::OnAnswered() {
   Hear();
   if (closeCode_) SetCloseDeadline();
   Flush();
-  Read();
+  ReadIfRoom();
 }
 
 void WebSocketSession::Flush() {
   if (state_ == State::kEnded) return;
-  if (outbox_.Bytes() > HardLimit(hub_.config.limits)) {
+  if (outbox_.Bytes() / kBurst > hub_.config.limits.pendingBytesPerClient) {
     // Later, since whoever fills the outbox is not to lose the subscription under its hands.
     asio::post(hub_.io, [self = shared_from_this()] { self->CloseSlow(); });
     return;
@@ -191,13 +202,14 @@ void WebSocketSession::Flush() {
 
 void WebSocketSession::OnWritten(const beast::error_code& error) {
   frame_.reset();
-  ++written_;
+  if (!reading_) Hear();  // a client that takes its answers lives, though its pongs are not read meanwhile
   if (state_ == State::kEnded) return;
   if (error) {
     if (!closeSent_) Abort();
     return;
   }
   Flush();
+  ReadIfRoom();
 }
 
 /// Says goodbye behind all answers; an answer that is outstanding is waited for.

@@ -42,6 +42,38 @@ class Snapshot {
 template <class T>
 class Container {
  public:
+  /// What an object was found by when it was added.
+  struct Label {
+    std::string path;
+    ara::rest::Uuid uuid;
+
+    std::string_view Key() const noexcept { return std::string_view{path}.substr(path.rfind('/') + 1); }
+  };
+  /// The objects at one instant, and the number of that instant.
+  struct List {
+    std::uint64_t generation = 0;
+    std::shared_ptr<const std::vector<std::shared_ptr<T>>> items = std::make_shared<const std::vector<std::shared_ptr<T>>>();
+    std::vector<Label> labels;  // as the items
+    std::unordered_map<ara::rest::Uuid, std::size_t> byUuid;
+
+    std::shared_ptr<T> Find(std::string_view key) const {
+      if (const auto uuid = ara::rest::Uuid::Parse(key)) {
+        const auto found = byUuid.find(*uuid);
+        if (found != byUuid.end() && labels[found->second].Key() == key) return (*items)[found->second];
+      }
+      for (std::size_t i = 0; i != labels.size(); ++i) {
+        if (labels[i].Key() == key) return (*items)[i];
+      }
+      return nullptr;
+    }
+  };
+
+  /// The list as the I/O thread sees it: takes the lock only after a change. I/O thread only.
+  const List& Current() const {
+    if (seen_->generation != GetGeneration()) seen_ = GetList();
+    return *seen_;
+  }
+
   std::size_t GetSize() const { return GetList()->items->size(); }
   /// Null if there is none; the first one added if several have the same identifier.
   std::shared_ptr<T> FindByUuid(const ara::rest::Uuid& uuid) const {
@@ -64,40 +96,11 @@ class Container {
   std::uint64_t GetGeneration() const noexcept { return generation_.load(std::memory_order_acquire); }
 
  protected:
-  struct Label {
-    std::string path;
-    ara::rest::Uuid uuid;
-
-    std::string_view Key() const noexcept { return std::string_view{path}.substr(path.rfind('/') + 1); }
-  };
-  struct List {
-    std::uint64_t generation = 0;
-    std::shared_ptr<const std::vector<std::shared_ptr<T>>> items = std::make_shared<const std::vector<std::shared_ptr<T>>>();
-    std::vector<Label> labels;  // as the items
-    std::unordered_map<ara::rest::Uuid, std::size_t> byUuid;
-
-    std::shared_ptr<T> Find(std::string_view key) const {
-      if (const auto uuid = ara::rest::Uuid::Parse(key)) {
-        const auto found = byUuid.find(*uuid);
-        if (found != byUuid.end() && labels[found->second].Key() == key) return (*items)[found->second];
-      }
-      for (std::size_t i = 0; i != labels.size(); ++i) {
-        if (labels[i].Key() == key) return (*items)[i];
-      }
-      return nullptr;
-    }
-  };
-
   ~Container() = default;
 
   std::shared_ptr<const List> GetList() const {
     const std::lock_guard lock{listMutex_};
     return list_;
-  }
-  /// The list as the I/O thread sees it: takes the lock only after a change. I/O thread only.
-  const List& Current() const {
-    if (seen_->generation != GetGeneration()) seen_ = GetList();
-    return *seen_;
   }
   /// Adds the object and runs the step before anybody can see another change. False, and nothing done, if it is there already. Throws
   /// `InvalidArgumentException` if the pointer is null or another object has the last segment.

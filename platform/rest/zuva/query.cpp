@@ -1,6 +1,7 @@
 #include "zuva/query.h"
 
 #include <algorithm>
+#include <boost/system/error_code.hpp>
 #include <boost/url/params_encoded_view.hpp>
 #include <boost/url/parse_query.hpp>
 #include <utility>
@@ -76,6 +77,7 @@ boost::system::result<Query> ParseQuery(std::string_view text) {
     } else if (!name.empty() || parameter.has_value) {
       query.filters.push_back({std::move(name), std::move(value)});
     }
+    if (query.filters.size() + query.fields.size() > Query::kMostTerms) return make_error_code(boost::system::errc::argument_list_too_long);
   }
   return query;
 }

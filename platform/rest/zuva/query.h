@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/system/result.hpp>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,9 @@ struct Query {
     std::string name;
     std::string value;
   };
+
+  /// Filters and names of fields together that a query may have; a client does not make the others wait with a longer one.
+  static constexpr std::size_t kMostTerms = 64;
 
   bool identity = false;
   bool specification = false;
@@ -40,7 +44,7 @@ struct Target {
 
 /// Fails on a percent escape that is none. Without a query nothing is allocated.
 boost::system::result<Target> ParseTarget(std::string_view text);
-/// The part behind the question mark.
+/// The part behind the question mark. Fails likewise, and on more than `kMostTerms` terms.
 boost::system::result<Query> ParseQuery(std::string_view text);
 
 }  // namespace zuva

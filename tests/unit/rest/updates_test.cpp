@@ -245,7 +245,7 @@ TEST_F(Updates, ResetStateFollowsTheVehicle) {
   EXPECT_EQ(reset()["isFactoryDefault"], false);
   EXPECT_NE(reset()["lastReset"], epoch);
   EXPECT_THAT(log.Lines(), Contains(testing::StartsWith("[Zuva] Updated time : year=19")));
-  for (const std::uint64_t beyond : {std::uint64_t{253'500'000'000}, ~std::uint64_t{0}}) {
+  for (const std::uint64_t beyond : {std::uint64_t{253'500'000'000}, std::uint64_t{67'767'976'233'532'800}, ~std::uint64_t{0}}) {
     application->Update_resetToFactoryData(Word{}, beyond);
     EXPECT_EQ(reset()["lastReset"], "1970-01-01T00:00:00+00:00") << "no date of four digits";
   }

@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"PostAccepted", "POST", "<writable>", R"({"refuse":202})", {}, 202, "refused"},
         Row{"PostImpossibleCode", "POST", "<writable>", R"({"refuse":42})", {}, 500},
         Row{"PostThrows", "POST", "<writable>", R"({"throw":1})", {}, 500, "Internal Server Error"},
-        Row{"ForeignHost", "GET", "/", "", {{"Host", "evil.example"}}, 421},
+        Row{"ForeignHost", "GET", "/", "", {{"Host", "evil.example"}}, 421}, Row{"EmptyHost", "GET", "/", "", {{"Host", ""}}, 421},
         Row{"AllowedHost", "GET", "/", "", {{"Host", "car.local"}}, 200}, Row{"ForeignOrigin", "POST", "<writable>", "{}", kEvil, 403},
         Row{"ForeignMayRead", "GET", "/", "", kEvil, 200, "", kNotShared}, Row{"SameOrigin", "POST", "<writable>", "{}", kSame, 200},
         Row{"Listed", "POST", "<writable>", "{}", kApp, 200, "", kShared},

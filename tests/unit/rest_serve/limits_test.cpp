@@ -3,6 +3,7 @@
 #include <future>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -73,6 +74,20 @@ TEST(Limits, AWebSocketThatAnswersPingsLivesOnAndOneThatDoesNotIsDropped) {
   EXPECT_EQ(heard[0].operation, 9) << "a ping";
   EXPECT_TRUE(silent.HasEnded());
   EXPECT_TRUE(alive.Ask({{"action", "get"}, {"path", "/"}}).contains("data"));
+}
+
+TEST(Limits, AWebSocketThatSendsButDoesNotReadIsPingedOnceAtATimeAndDoesNotOutliveTheServer) {
+  ServedTree tree{With({{"idleSeconds", 1}, {"pendingBytesPerClient", 64 << 20}})};
+  tree.things->AddThing("big")->Set("text", std::string(256U << 10U, 'x'));
+  RawSocket deaf{tree.port, 4096};
+  deaf.Upgrade();
+  for (int i = 0; i < 20; ++i) deaf.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
+  for (int i = 0; i < 4; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds{700});  // a ping falls due, and cannot be sent
+    deaf.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/","requestId":1})"));
+  }
+  auto stopped = std::async(std::launch::async, [&] { tree.server->Stop(true); });
+  EXPECT_EQ(stopped.wait_for(std::chrono::seconds{5}), std::future_status::ready);
 }
 
 TEST(Limits, AnAnswerThatIsNotTakenEndsWithAClose) {

@@ -7,12 +7,17 @@ namespace zuva::serve {
 namespace {
 
 TEST(Message, EchoesARequestIdAsTheClientWroteIt) {
-  for (const std::string id : {R"("a\"b")", "7", "-1", "1234567.891", "9007199254740993", "0.1"}) {
+  for (const std::string id : {R"("a\"b")", "7", "-1", "1234567.891", "9007199254740993", "0.1", "18446744073709551615", "1.0"}) {
     Echo echo;
     std::string fault;
     ASSERT_TRUE(ReadMessage(R"({"action":"get","path":"/","requestId":)" + id + "}", echo, fault)) << fault;
     EXPECT_EQ(echo.requestId, id);
   }
+  Echo echo;
+  std::string fault;
+  ASSERT_TRUE(ReadMessage(R"({"path":"a\"requestId","action":"get","value":{"requestId":7.5}, "requestId" : 1.50 })", echo, fault))
+      << fault;
+  EXPECT_EQ(echo.requestId, "1.50");
 }
 
 TEST(Message, SaysWhatIsWrongAndEchoesWhatIsSound) {

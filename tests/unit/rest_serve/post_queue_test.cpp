@@ -14,10 +14,12 @@ namespace {
 class Task final : public PostTask {
  public:
   explicit Task(std::shared_ptr<test::Gate> gate) : gate_{std::move(gate)} {}
+  bool IsWanted() const noexcept override { return wanted; }
   void Run() noexcept override { gate_->Pass(); }
   void Finish() noexcept override { finished = true; }
   void Refuse() noexcept override { refused = true; }
 
+  bool wanted = true;
   bool finished = false;
   bool refused = false;
 
@@ -56,6 +58,20 @@ TEST_F(PostQueueTest, AMuteResourceTakesTwoThreadsAndNoMore) {
   EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
   EXPECT_TRUE(other->finished && std::all_of(mute.begin(), mute.end(), [](const auto& task) { return task->finished && !task->refused; }));
   EXPECT_EQ(gate->Guests(), 5U);
+}
+
+TEST_F(PostQueueTest, ClientsThatHaveLeftTakeNoThread) {
+  EXPECT_TRUE(queue.Submit(&one, Make()));
+  EXPECT_TRUE(queue.Submit(&one, Make()));
+  const auto left = Make(), stays = Make();
+  EXPECT_TRUE(queue.Submit(&one, left));
+  EXPECT_TRUE(queue.Submit(&one, stays));
+  left->wanted = false;
+  gate->Open();
+  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
+  EXPECT_TRUE(left->refused && !left->finished);
+  EXPECT_TRUE(stays->finished);
+  EXPECT_EQ(gate->Guests(), 3U);
 }
 
 }  // namespace

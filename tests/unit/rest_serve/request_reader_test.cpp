@@ -86,7 +86,12 @@ TEST(RequestReader, RefusesWhatIsNoRequest) {
        {"\x16\x03\x01\x02 tls", "GET / HTTP/2.0\r\n\r\n", "GET  / HTTP/1.1\r\n\r\n", "GET / HTTP/1.1\nHost: a\n\n",
         "GET / HTTP/1.1\r\nHost : a\r\n\r\n", "GET / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n",
         "GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n", "GET / HTTP/1.1\r\nContent-Length: 1\r\nTransfer-Encoding: chunked\r\n\r\n",
-        "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n"}) {
+        "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
+        // What two servers may read differently, so that one of them takes a body for a request.
+        "POST / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 1\r\n\r\n", "POST / HTTP/1.1\r\nContent-Length: 1, 1\r\n\r\n",
+        "POST / HTTP/1.1\r\nTransfer-Encoding: chunked, identity\r\n\r\n", "POST / HTTP/1.1\r\nTransfer-Encoding: xchunked\r\n\r\n",
+        "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n\r\n",
+        "POST / HTTP/1.0\r\nTransfer-Encoding: chunked\r\n\r\n", "GET / HTTP/1.1\r\nHost: a\r\n folded\r\n\r\n"}) {
     RequestReader reader{8192, 100};
     EXPECT_EQ(Feed(reader, text, text.size()), ReadState::kMalformed) << text;
   }

@@ -119,16 +119,32 @@ class SlowClient : public testing::Test {
     }
   }
 
+  /// The slow client is closed for being slow, which shows behind what it had been sent before.
+  void ExpectClosed() {
+    std::this_thread::sleep_for(kSeen);
+    const std::string_view close{"\x88\x02\x03\xf5", 4};  // 1013
+    EXPECT_TRUE(slow.ReadUntil(close).ends_with(close));
+  }
+
+  static constexpr std::chrono::milliseconds kSeen{800};  // within it the server looks for slow clients more than once
   ServedTree tree{{{"limits", {{"pendingBytesPerClient", 200'000}}}}};
   RawSocket slow{tree.port, 65536};
   test::WsClient healthy = tree.Socket();
 };
 
 TEST_F(SlowClient, IsClosedWith1013WhileTheOthersNoticeNothing) {
-  AddAndRemove(100);
-  const std::string_view close{"\x88\x02\x03\xf5", 4};  // 1013
-  EXPECT_TRUE(slow.ReadUntil(close).ends_with(close));
+  AddAndRemove(50);
+  ExpectClosed();
   AddAndRemove(1);
+}
+
+TEST_F(SlowClient, TakingAFrameNowAndThenDoesNotRaiseTheLimit) {
+  AddAndRemove(50);
+  for (int i = 0; i < 5; ++i) {
+    std::this_thread::sleep_for(kSeen / 4);
+    slow.ReadUntil("removed");
+  }
+  ExpectClosed();
 }
 
 TEST_F(SlowClient, HearsOfAnElementThatChangesAllTheTimeOnlyItsLastStates) {

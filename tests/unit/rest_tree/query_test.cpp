@@ -48,6 +48,10 @@ TEST(Queries, AreTakenOffTheTarget) {
   EXPECT_TRUE(ParseTarget("/S?specification")->query.specification);
   EXPECT_FALSE(ParseTarget("/S?identity=x")->query.identity);
   EXPECT_FALSE(ParseTarget("/S?a=%"));
+  std::string names = "fields=a", filters = "a=1";
+  for (std::size_t i = 1; i < Query::kMostTerms; ++i) names += ",a", filters += "&a=1";
+  EXPECT_TRUE(ParseQuery(names) && ParseQuery(filters));
+  EXPECT_FALSE(ParseQuery(names + ",a") || ParseQuery(filters + "&a=1")) << "too many";
 }
 
 TEST(Queries, PickElementsOfAResource) {

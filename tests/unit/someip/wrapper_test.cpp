@@ -1,0 +1,80 @@
+#include "ara/log/testing/capture.h"
+#include "someip/cmc/charging_management_core_proxy_wrapper.h"
+#include "someip/rbec/route_based_energy_contents_proxy_wrapper.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+namespace trov {
+namespace {
+
+using ara::log::testing::Capture;
+using chargingManagementCoreListener::ChargingManagementCoreProxyWrapper;
+using routeBasedEnergyContents::RouteBasedEnergyContentsProxyWrapper;
+using Lines = std::vector<std::string>;
+
+/// What a wrapper logs that is asked to find its service where no runtime is.
+template <class Wrapper>
+Lines LinesOfAFindWithoutRuntime() {
+  Wrapper wrapper;
+  const Capture capture;
+  EXPECT_FALSE(wrapper.StartFindService([](auto) {}));
+  EXPECT_TRUE(wrapper.IsProxyNull());
+  return capture.Lines();
+}
+
+/// What a wrapper logs about a resource that it does not serve, for each of its operations.
+template <class Wrapper>
+Lines LinesAboutUnserved(enums::SOMEIP_RESOURCE_TYPE resource) {
+  Wrapper wrapper;
+  const Capture capture;
+  wrapper.Update(resource);
+  wrapper.Subscribe(resource);
+  wrapper.GetCachedSamples(resource);
+  wrapper.SetReceiveHandler(resource, [] {});
+  wrapper.Cleanup(resource);
+  wrapper.SomeIp_Get(resource, std::chrono::milliseconds{0});
+  return capture.Lines();
+}
+
+TEST(Wrappers, TellThatAFindFailed) {
+  EXPECT_EQ(LinesOfAFindWithoutRuntime<ChargingManagementCoreProxyWrapper>(),
+            (Lines{"[cmcwrapper] ChargingManagementCoreProxyWrapper - StartFindService",
+                   "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - StartFindService - FAILLED - catch error block",
+                   "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - Error: ServiceHandlePtr is NULL"}));
+  EXPECT_EQ(LinesOfAFindWithoutRuntime<RouteBasedEnergyContentsProxyWrapper>(),
+            (Lines{"[rbewrapper] RouteBasedEnergyContentsProxyWrapper - StartFindService",
+                   "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - StartFindService - FAILLED - catch error block",
+                   "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - Error: ServiceHandlePtr is NULL"}));
+}
+
+TEST(Wrappers, TellWhatTheyDoNotServe) {
+  EXPECT_EQ(
+      LinesAboutUnserved<ChargingManagementCoreProxyWrapper>(enums::SOMEIP_RESOURCE_TYPE::TargetSocChargings),
+      (Lines{"[cmcwrapper] Update not implemented for this data type.", "[cmcwrapper] Subscribe not implemented for this data type.",
+             "[cmcwrapper] GetCachedSamples not implemented for this data type.",
+             "[cmcwrapper] SetReceiveHandler not implemented for this data type.",
+             "[cmcwrapper] Cleanup not implemented for this data type.", "[cmcwrapper] Get not implemented for this someip data type."}));
+  EXPECT_EQ(
+      LinesAboutUnserved<RouteBasedEnergyContentsProxyWrapper>(enums::SOMEIP_RESOURCE_TYPE::Views),
+      (Lines{"[rbewrapper] Update not implemented for this data type.", "[rbewrapper] Subscribe not implemented for this data type.",
+             "[rbewrapper] GetCachedSamples not implemented for this data type.",
+             "[rbewrapper] SetReceiveHandler not implemented for this data type.",
+             "[rbewrapper] Update not implemented for this data type.", "[rbecwrapper] Get not implemented for this someip data type."}));
+}
+
+TEST(Wrappers, ThrowWhereThereIsNoProxyOrNoGetUnderWay) {
+  ChargingManagementCoreProxyWrapper wrapper;
+  using enums::SOMEIP_RESOURCE_TYPE;
+  EXPECT_THROW(wrapper.Update(SOMEIP_RESOURCE_TYPE::Views), xr::com::Service_not_available_exception);
+  EXPECT_THROW(wrapper.PrepareGets(), xr::com::Service_not_available_exception);
+  EXPECT_THROW(wrapper.SomeIp_Get(SOMEIP_RESOURCE_TYPE::Views, std::chrono::milliseconds{0}), std::future_error);
+  const types::SetPayloadVariant plug{ylt::services::chargingmanagementcore::datatypes::DT_chargingPlugs_struct{}};
+  EXPECT_THROW(wrapper.SomeIp_Set(SOMEIP_RESOURCE_TYPE::Views, plug, std::chrono::seconds{0}), boost::bad_get)
+      << "before anything goes out";
+}
+
+}  // namespace
+}  // namespace trov
