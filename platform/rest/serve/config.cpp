@@ -14,6 +14,7 @@
 #include <utility>
 
 #include <boost/asio/ip/address.hpp>
+#include <boost/url/parse.hpp>
 #include <nlohmann/json.hpp>
 
 #include "serve/text.h"
@@ -117,6 +118,29 @@ std::string ReadOrigin(const std::string& key, const json& value) {
   return origin;
 }
 
+RegistryAddress ReadRegistryUrl(const std::string& key, const json& value) {
+  const auto text = Text(key, value);
+  const auto url = boost::urls::parse_uri(text);
+  if (!url || url->scheme_id() != boost::urls::scheme::http || url->encoded_host().empty() || url->has_userinfo() || url->has_query() ||
+      url->has_fragment()) {
+    Refuse(key, "must read http://host or http://host:port, and may have a path");
+  }
+  RegistryAddress address;
+  address.authority = std::string{url->encoded_host_and_port()};
+  address.host = url->host_address();
+  if (url->has_port()) address.port = url->port_number();
+  address.path = std::string{url->encoded_path()};
+  while (address.path.ends_with('/')) address.path.pop_back();
+  return address;
+}
+
+RegistryAddress ReadRegistry(const std::string& key, const json& value) {
+  std::optional<RegistryAddress> address;
+  ReadObject(key, value, {{"url", [&](const std::string& k, const json& v) { address = ReadRegistryUrl(k, v); }}});
+  if (!address) Refuse(key + ".url", "is missing");
+  return *address;
+}
+
 void RefuseUnbuilt(const std::string& key, const json&) {
   Refuse(key, "is not supported yet");
 }
@@ -160,7 +184,7 @@ Config ParseConfig(std::string_view text) {
               {"allowedHosts", allowed(config.allowedHosts, [](const std::string& k, const json& v) { return LowerCase(Text(k, v)); })},
               {"tls", RefuseUnbuilt},
               {"tokens", RefuseUnbuilt},
-              {"registry", RefuseUnbuilt},
+              {"registry", [&](const std::string& key, const json& value) { config.registry = ReadRegistry(key, value); }},
               {"documentRoot", RefuseUnbuilt}});
   if (config.listen.empty()) Refuse("listen", "is missing");
   return config;

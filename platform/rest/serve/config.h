@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -13,6 +14,14 @@ namespace zuva::serve {
 struct ListenAddress {
   std::string address;
   std::uint16_t port = 0;
+};
+
+/// Where the registry of services is, as the parts of its URL.
+struct RegistryAddress {
+  std::string authority;  ///< host and, if given, port, as in the URL
+  std::string host;       ///< a name, or an address without brackets
+  std::uint16_t port = 80;
+  std::string path;  ///< without a slash at its end; may be empty
 };
 
 /// What one server and one client may cost. Sizes in bytes, times in whole seconds.
@@ -33,7 +42,8 @@ struct Config {
   std::size_t requestThreads = 10;
   Limits limits;
   std::vector<std::string> allowedOrigins;  ///< in lower case, as `scheme://host[:port]`
-  std::vector<std::string> allowedHosts;    ///< in lower case, without port; `*` allows all
+  std::optional<RegistryAddress> registry;
+  std::vector<std::string> allowedHosts;  ///< in lower case, without port; `*` allows all
 };
 
 /// A configuration that cannot be used; the text names the key at fault and what is wrong with it.

@@ -11,6 +11,7 @@
 #include <boost/asio/post.hpp>
 
 #include "os/thread.h"
+#include "serve/announcement.h"
 #include "serve/http_session.h"
 #include "zuva/logger.h"
 #include "zuva/server.h"
@@ -48,7 +49,7 @@ void TurnAway(asio::ip::tcp::socket socket, DateLine& date) {
 }  // namespace
 
 WebServer::WebServer(Server& tree, Config config)
-    : tree_{tree}, config_{std::move(config)}, changes_{std::make_shared<ChangeQueue>()}, io_{1}, sweep_{io_} {
+    : tree_{tree}, config_{std::move(config)}, changes_{std::make_shared<ChangeQueue>()}, registry_{config_.registry}, io_{1}, sweep_{io_} {
   tree_.SetChangeSink(changes_);
 }
 
@@ -97,6 +98,10 @@ void WebServer::OpenListeners() {
     }
   }
   if (listeners_.empty()) throw std::runtime_error{"Cannot listen on any address:" + reasons};
+  std::vector<std::string> addresses;
+  for (const auto& listener : listeners_) addresses.push_back(listener->Text());
+  const std::lock_guard lock{addressesMutex_};
+  addresses_ = std::move(addresses);
 }
 
 void WebServer::Run() {
@@ -145,6 +150,19 @@ void WebServer::Stop() {
   hub_.reset();
   listeners_.clear();
   pool_.reset();
+}
+
+void WebServer::Announce(ServerService& service, std::vector<std::string> uris) {
+  if (registry_) registry_->Announce(service.GetName(), AnnouncementOf(service, uris, OwnAddresses()));
+}
+
+void WebServer::Withdraw(ServerService& service) {
+  if (registry_) registry_->Withdraw(service.GetName());
+}
+
+std::vector<std::string> WebServer::OwnAddresses() const {
+  const std::lock_guard lock{addressesMutex_};
+  return addresses_;
 }
 
 /// Leaves nothing that could give the I/O thread new work. It ends when the last connection and the last callback have.

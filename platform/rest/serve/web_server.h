@@ -2,6 +2,8 @@
 
 #include <future>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "serve/config.h"
 #include "serve/hub.h"
 #include "serve/listener.h"
+#include "serve/registry_client.h"
 #include "serve/request_pool.h"
 #include "zuva/frontend.h"
 
@@ -29,9 +32,9 @@ class WebServer final : public Frontend {
   void Start() override;
   /// Lets callbacks that run end and be answered, says goodbye to WebSockets, and joins all threads.
   void Stop() override;
-  /// There is no registry outside this process: the services that the tree itself says are announced are all there is.
-  void Announce(ServerService&, std::vector<std::string>) override {}
-  void Withdraw(ServerService&) override {}
+  /// Both do nothing without a registry in the configuration: then the services that the tree itself says are announced are all there is.
+  void Announce(ServerService& service, std::vector<std::string> uris) override;
+  void Withdraw(ServerService& service) override;
 
  private:
   void OpenListeners();
@@ -39,10 +42,14 @@ class WebServer final : public Frontend {
   void Take(boost::asio::ip::tcp::socket socket);
   void SweepLater();
   void BeginStop();
+  std::vector<std::string> OwnAddresses() const;
 
   Server& tree_;
   const Config config_;
   const std::shared_ptr<ChangeQueue> changes_;
+  const std::optional<RegistryClient> registry_;
+  mutable std::mutex addressesMutex_;   // guards addresses_, which announcements ask for on threads of their own
+  std::vector<std::string> addresses_;  // of the listeners, as URIs without a path
   boost::asio::io_context io_;
   std::unique_ptr<RequestPool> pool_;
   std::unique_ptr<Hub> hub_;

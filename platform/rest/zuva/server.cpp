@@ -26,8 +26,8 @@ void Server::Start(bool) {
 bool Server::Stop(bool) {
   if (!std::exchange(started_, false)) return false;
   if (announcer_.joinable()) announcer_.join();
+  frontend_->Stop();  // first: a registry that does not answer holds no client up
   for (const auto& service : GetServices()) service->Detach();
-  frontend_->Stop();
   return true;
 }
 

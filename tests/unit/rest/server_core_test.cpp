@@ -80,7 +80,7 @@ TEST(ServerCore, StartsInOrderAndPublishesItsServices) {
   EXPECT_EQ(application.Server().GetChargingManagementCoreResetToFactoryData()->GetName(), "resetToFactoryData") << "alive, but unreached";
   EXPECT_TRUE(application.StopServer());
   EXPECT_THAT(TheOutside().Lines(),
-              ElementsAre("serve", "listeners start", "withdraw ChargingManagementCore", "withdraw FactoryReset", "stop"));
+              ElementsAre("serve", "listeners start", "stop", "withdraw ChargingManagementCore", "withdraw FactoryReset"));
 }
 
 TEST(ServerCore, ReportsAFailedStartByLogAlone) {

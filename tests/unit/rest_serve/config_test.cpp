@@ -56,7 +56,9 @@ INSTANTIATE_TEST_SUITE_P(Config, BadConfigs,
                                          BadConfig{"NoPort", R"({"listen":[{"address":"::1"}]})", "listen[0].port"},
                                          BadConfig{"NoOrigin", WithListen(R"("allowedOrigins":["car.local"])"), "allowedOrigins[0]"},
                                          BadConfig{"Tls", WithListen(R"("tls":{})"), "tls"},
-                                         BadConfig{"Registry", WithListen(R"("registry":{})"), "registry"}),
+                                         BadConfig{"RegistryWithoutUrl", WithListen(R"("registry":{})"), "registry.url"},
+                                         BadConfig{"RegistryOfAnotherScheme", WithListen(R"("registry":{"url":"ftp://a/"})"),
+                                                   "registry.url"}),
                          [](const auto& parameter) { return parameter.param.name; });
 
 TEST(Config, AWrongFileIsOneErrorLineWithFileAndReasonAndNoServer) {

@@ -133,14 +133,14 @@ class SlowClient : public testing::Test {
 };
 
 TEST_F(SlowClient, IsClosedWith1013WhileTheOthersNoticeNothing) {
-  AddAndRemove(50);
+  AddAndRemove(25);
   ExpectClosed();
   AddAndRemove(1);
 }
 
 TEST_F(SlowClient, TakingAFrameNowAndThenDoesNotRaiseTheLimit) {
-  AddAndRemove(50);
-  for (int i = 0; i < 5; ++i) {
+  AddAndRemove(25);
+  for (int i = 0; i < 4; ++i) {
     std::this_thread::sleep_for(kSeen / 4);
     slow.ReadUntil("removed");
   }

@@ -17,7 +17,7 @@ TEST(Announcements, StartTellsEveryServiceAndStopWithdraws) {
   EXPECT_TRUE(tree.service->IsAnnounced());
   EXPECT_TRUE(test_support::WaitFor([] { return FrontendLog::Lines() == Lines{"start", "announce S"}; }));
   EXPECT_TRUE(tree.server->Stop(true));
-  EXPECT_EQ(FrontendLog::Lines(), (Lines{"start", "announce S", "withdraw S", "stop"}));
+  EXPECT_EQ(FrontendLog::Lines(), (Lines{"start", "announce S", "stop", "withdraw S"}));
   tree.service->Register({UriOf("http://[::1]/")});  // too late for the registry
   EXPECT_FALSE(tree.server->Stop(true));
   EXPECT_EQ(FrontendLog::Lines().size(), 4U);
