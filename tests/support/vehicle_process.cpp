@@ -12,7 +12,8 @@ constexpr std::size_t kFieldsTheBridgeReads = 16;
 
 }  // namespace
 
-VehicleProcess::VehicleProcess(const TempRoot& root, std::string scenario) : root_{root}, scenario_{std::move(scenario)} {
+VehicleProcess::VehicleProcess(const TempRoot& root, std::string scenario, double speed)
+    : root_{root}, scenario_{std::move(scenario)}, speed_{speed} {
   Start();
 }
 
@@ -20,12 +21,12 @@ void VehicleProcess::Start() {
   const auto output = root_.Path() / ("vehicle" + std::to_string(++starts_) + ".out");
   output_ = std::make_unique<LineFile>(output);
   events_.clear();
-  process_ =
-      std::make_unique<Process>(ProcessOptions{.program = ProgramBesideThisTest("vehicle"),
-                                               .arguments = {"--deployment", root_.DeploymentPath().string(), "--scenario", scenario_},
-                                               .environment = {{"ARA_LOG", {}}},
-                                               .outputPath = output,
-                                               .errorPath = root_.Path() / "vehicle.err"});
+  process_ = std::make_unique<Process>(ProcessOptions{
+      .program = ProgramBesideThisTest("vehicle"),
+      .arguments = {"--deployment", root_.DeploymentPath().string(), "--scenario", scenario_, "--speed", std::to_string(speed_)},
+      .environment = {{"ARA_LOG", {}}},
+      .outputPath = output,
+      .errorPath = root_.Path() / "vehicle.err"});
   if (!WaitForEvent("ready", "")) throw std::runtime_error("the vehicle does not offer; see its output in " + output.string());
 }
 

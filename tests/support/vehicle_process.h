@@ -22,7 +22,7 @@ class VehicleProcess {
 
   /// Starts it with the root's deployment and a scenario (file or name), and waits until it offers.
   /// Throws std::runtime_error if it does not.
-  explicit VehicleProcess(const TempRoot& root, std::string scenario = "parked");
+  explicit VehicleProcess(const TempRoot& root, std::string scenario = "parked", double speed = 1);
 
   /// Starts a new process in place of one that has ended.
   void Start();
@@ -49,6 +49,7 @@ class VehicleProcess {
  private:
   const TempRoot& root_;
   std::string scenario_;
+  double speed_;
   int starts_ = 0;
   std::unique_ptr<LineFile> output_;
   std::vector<nlohmann::json> events_;

@@ -1,5 +1,7 @@
 #include "tools/vehicle/vehicle.h"
 
+#include "tools/vehicle/restart.h"
+
 #include <nlohmann/json.hpp>
 
 #include <csignal>
@@ -35,6 +37,7 @@ Vehicle::Vehicle(net::io_context& context, const xr::com::wire::Deployment& depl
       reporter_{reporter},
       player_{context, scenario, speed, [this](const Action& action) { Execute(action); }},
       server_{context, deployment, address, *this} {
+  if (scenario.session) session_.emplace(context, *scenario.session, speed, [this](const nlohmann::json& words) { Say(words); });
   for (const auto& codec : FieldCodecs()) values_.emplace(codec.field, kNoRecords);
   Execute(scenario.values);
   Execute(scenario.faults);
@@ -44,10 +47,12 @@ void Vehicle::Start() {
   for (const auto& service : ServiceNames()) server_.Offer(service);
   reporter_.Tell("ready", ordered_json::object());
   player_.Start();
+  if (session_) session_->Start();
 }
 
 void Vehicle::Stop() {
   player_.Stop();
+  if (session_) session_->Stop();
   for (const auto& service : ServiceNames()) server_.StopOffer(service);
   reporter_.Tell("stopped", ordered_json::object());
   context_.stop();
@@ -85,6 +90,17 @@ void Vehicle::OnSet(const std::string& field, const Bytes& payload, Reply reply)
   });
 }
 
+void Vehicle::Say(const nlohmann::json& words) {
+  for (const auto& [field, records] : words.items()) {
+    const auto& codec = CodecOf(field, Place{});
+    auto& held = values_.at(field);
+    auto next = codec.merged(held, codec.fromJson(records, Place{}));
+    if (next == held) continue;
+    held = std::move(next);
+    server_.Notify(field);
+  }
+}
+
 void Vehicle::TakeSet(const std::string& field, const Bytes& payload, const Reply& reply) {
   auto& held = values_.at(field);
   try {
@@ -94,6 +110,7 @@ void Vehicle::TakeSet(const std::string& field, const Bytes& payload, const Repl
     return reply({static_cast<unsigned char>(ReturnCode::malformed_message), {}});
   }
   reply({0, payload});
+  if (session_) session_->Session().OnSet(field, CodecOf(field, Place{}).toJson(payload));
   server_.Notify(field);
 }
 
@@ -152,6 +169,10 @@ void Vehicle::Do(const BreakTcp&) {
 
 void Vehicle::Do(const Crash&) {
   std::raise(SIGKILL);
+}
+
+void Vehicle::Do(const Restart&) {
+  RestartProcess();
 }
 
 void Vehicle::Do(const Quit&) {

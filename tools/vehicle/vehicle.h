@@ -3,10 +3,12 @@
 #include "tools/vehicle/reporter.h"
 #include "tools/vehicle/scenario/player.h"
 #include "tools/vehicle/server/service_server.h"
+#include "tools/vehicle/session/session_clock.h"
 
 #include <boost/asio/io_context.hpp>
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -46,11 +48,14 @@ class Vehicle final : public FieldHost {
   void Do(const StopOfferServices& action);
   void Do(const BreakTcp& action);
   void Do(const Crash& action);
+  void Do(const Restart& action);
   void Do(const Quit& action);
   void Do(const SendPayload& action);
   void Do(const SendMessage& action);
   void Do(const SendDiscovery& action);
 
+  /// What the session says: changes of records that are held, told where there is one.
+  void Say(const nlohmann::json& words);
   void TakeSet(const std::string& field, const Bytes& payload, const Reply& reply);
   /// Runs `answer` when the behaviour's delay is over.
   void Later(std::chrono::milliseconds delay, std::function<void()> answer);
@@ -61,6 +66,7 @@ class Vehicle final : public FieldHost {
   std::map<std::string, Behaviour> onGet_, onSet_;
   std::set<std::string> refusing_;
   Player player_;
+  std::optional<SessionClock> session_;
   ServiceServer server_;
 };
 

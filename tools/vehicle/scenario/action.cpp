@@ -84,13 +84,14 @@ struct ActionKind {
   Action (*parse)(const json& value, const Place& place);
 };
 
-constexpr std::array<ActionKind, 10> kKinds{{
+constexpr std::array<ActionKind, 11> kKinds{{
     {"set", [](const json& value, const Place& place) -> Action { return ParseValues(value, place); }},
     {"fault", [](const json& value, const Place& place) -> Action { return ParseFaults(value, place); }},
     {"offer", [](const json& value, const Place& place) -> Action { return OfferServices{ParseServices(value, place)}; }},
     {"stopOffer", [](const json& value, const Place& place) -> Action { return StopOfferServices{ParseServices(value, place)}; }},
     {"breakTcp", [](const json& value, const Place& place) -> Action { return ExpectTrue(value, place), BreakTcp{}; }},
     {"crash", [](const json& value, const Place& place) -> Action { return ExpectTrue(value, place), Crash{}; }},
+    {"restart", [](const json& value, const Place& place) -> Action { return ExpectTrue(value, place), Restart{}; }},
     {"quit", [](const json& value, const Place& place) -> Action { return ExpectTrue(value, place), Quit{}; }},
     {"payload",
      [](const json& value, const Place& place) -> Action {

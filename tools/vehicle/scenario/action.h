@@ -58,6 +58,8 @@ struct StopOfferServices {
 struct BreakTcp {};
 /// {"crash": true}: the process kills itself; no goodbye, nothing written any more.
 struct Crash {};
+/// {"restart": true}: the process begins anew from its command line; no goodbye.
+struct Restart {};
 /// {"quit": true}: an orderly end.
 struct Quit {};
 /// {"payload": {"views": "00 00 00 02 ff ff"}}: a notification with these bytes as payload, which are also the value held from now on.
@@ -76,7 +78,7 @@ struct SendDiscovery {
 };
 
 using Action =
-    std::variant<SetValues, SetFaults, OfferServices, StopOfferServices, BreakTcp, Crash, Quit, SendPayload, SendMessage, SendDiscovery>;
+    std::variant<SetValues, SetFaults, OfferServices, StopOfferServices, BreakTcp, Crash, Restart, Quit, SendPayload, SendMessage, SendDiscovery>;
 
 /// An action from an object with exactly one member. Throws BadInput.
 Action ParseAction(const nlohmann::json& object, const Place& place);

@@ -30,6 +30,32 @@ std::vector<Scenario::Step> ParseSteps(const json& value, const Place& place) {
   return steps;
 }
 
+double ParseNumber(const json& value, double minimum, double maximum, const Place& place) {
+  if (value.is_number() && value.get<double>() >= minimum && value.get<double>() <= maximum) return value.get<double>();
+  throw BadInput{place, "a number from " + std::to_string(minimum) + " to " + std::to_string(maximum) + " is expected"};
+}
+
+SessionSettings ParseSession(const json& value, const Place& place) {
+  if (!value.is_object()) throw BadInput{place, "an object is expected"};
+  SessionSettings settings;
+  for (const auto& [name, part] : value.items()) {
+    if (name == "startSoc") {
+      settings.startSoc = ParseNumber(part, 0, 100, place / name);
+    } else if (name == "targetSoc") {
+      settings.targetSoc = ParseNumber(part, 0, 100, place / name);
+    } else if (name == "power") {
+      settings.power = ParseNumber(part, 1, 1000, place / name);
+    } else if (name == "ambient") {
+      settings.ambient = ParseNumber(part, -40, 60, place / name);
+    } else if (name == "dc") {
+      settings.dc = BoolFromJson(part, place / name);
+    } else {
+      throw BadInput{place / name, "unknown; known are startSoc, targetSoc, power, ambient and dc"};
+    }
+  }
+  return settings;
+}
+
 std::string ReadFile(const std::string& path) {
   std::ifstream file{path, std::ios::binary};
   std::string text{std::istreambuf_iterator<char>{file}, {}};
@@ -61,10 +87,12 @@ Scenario ParseScenario(std::string_view text) try {
       scenario.faults = ParseFaults(value, place);
     } else if (name == "steps") {
       scenario.steps = ParseSteps(value, place);
+    } else if (name == "session") {
+      scenario.session = ParseSession(value, place);
     } else if (name == "repeatEvery") {
       scenario.repeatEvery = ParseSeconds(value, place);
     } else if (name != "description") {
-      throw BadInput{place, "unknown; known are description, values, faults, steps and repeatEvery"};
+      throw BadInput{place, "unknown; known are description, values, faults, steps, repeatEvery and session"};
     }
   }
   if (scenario.repeatEvery) {
