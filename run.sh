@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs the bridge with the simulated vehicle until Ctrl-C.
-#   HTTP_PORT=8080  DISCOVERY_PORT=30490  SCENARIO=default  SPEED=1
+#   HTTP_PORT=8080  DISCOVERY_PORT=30490  SCENARIO=default  SPEED=10
 set -euo pipefail
 cd "$(dirname "$0")"
 source tools/setup.sh
@@ -33,7 +33,7 @@ stop() {
 trap 'stop; exit 0' INT TERM
 trap stop EXIT
 
-setsid build/release/bin/vehicle --deployment "$etc/someip_deployment.json" --scenario "${SCENARIO:-default}" --speed "${SPEED:-1}" </dev/null \
+setsid build/release/bin/vehicle --deployment "$etc/someip_deployment.json" --scenario "${SCENARIO:-default}" --speed "${SPEED:-10}" </dev/null \
   > >(sed -u 's/^/                        vehicle | /') 2>&1 &
 vehicle_pid=$!
 ARA_ROOT=$root ARA_LOG=console setsid build/release/bin/charging_management_core 2> >(sed -u 's/^/bridge | /') </dev/null &
@@ -49,7 +49,7 @@ busy "$http_port" || fail "the bridge did not listen on port $http_port within 1
 
 cat <<TEXT
 
-The bridge listens on http://127.0.0.1:$http_port; the simulated vehicle asks for the popup view now and then. Try, in another terminal:
+The bridge listens on http://127.0.0.1:$http_port; the simulated vehicle charges its battery, ten times as fast as a real one. Try, in another terminal:
 
   curl -s http://127.0.0.1:$http_port/ChargingManagementCore/views
   curl -s -H 'Content-Type: application/json' -d '{"visibility":"requestedViewVisible"}' \\
