@@ -21,12 +21,18 @@ mkdir -p "$etc"
 sed "s/\"port\": 8080/\"port\": $http_port/g" config/charging_management_core_conf.json >"$etc/charging_management_core_conf.json"
 sed "s/\"port\": 30490/\"port\": $discovery_port/" config/someip_deployment.json >"$etc/someip_deployment.json"
 
-# The two streams go their own ways: the vehicle's lines are indented and marked.
-bridge=() vehicle=()
+# The two streams go their own ways: the vehicle's lines are indented and marked. In sessions of their own, all but this script are out of
+# Ctrl-C's reach, so that the last lines are shown as well.
+exec {bridge_lines}> >(exec setsid sed -u 's/^/bridge | /')
+bridge_printer=$!
+exec {vehicle_lines}> >(exec setsid sed -u 's/^/                        vehicle | /')
+vehicle_printer=$!
 stop() {
   trap - INT TERM EXIT
   [ -n "${bridge_pid:-}" ] && kill -TERM "$bridge_pid" 2>/dev/null && wait "$bridge_pid" 2>/dev/null
   [ -n "${vehicle_pid:-}" ] && kill -TERM "$vehicle_pid" 2>/dev/null && wait "$vehicle_pid" 2>/dev/null
+  exec {bridge_lines}>&- {vehicle_lines}>&-
+  wait "$bridge_printer" "$vehicle_printer" 2>/dev/null
   echo
   echo "Both stopped."
 }
@@ -34,9 +40,9 @@ trap 'stop; exit 0' INT TERM
 trap stop EXIT
 
 setsid build/release/bin/vehicle --deployment "$etc/someip_deployment.json" --scenario "${SCENARIO:-default}" --speed "${SPEED:-10}" </dev/null \
-  > >(sed -u 's/^/                        vehicle | /') 2>&1 &
+  >&"$vehicle_lines" 2>&1 {bridge_lines}>&- {vehicle_lines}>&- &
 vehicle_pid=$!
-ARA_ROOT=$root ARA_LOG=console setsid build/release/bin/charging_management_core 2> >(sed -u 's/^/bridge | /') </dev/null &
+ARA_ROOT=$root ARA_LOG=console setsid build/release/bin/charging_management_core 2>&"$bridge_lines" </dev/null {bridge_lines}>&- {vehicle_lines}>&- &
 bridge_pid=$!
 
 for _ in $(seq 100); do
