@@ -1,5 +1,7 @@
 #include "bench/raw_websocket.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <stdexcept>
 
@@ -73,8 +75,10 @@ void SendText(const Socket& socket, std::string_view text) {
 }
 
 std::vector<unsigned char> ServerFrame(std::string_view text) {
-  std::vector<unsigned char> frame{kFinalText, 126, static_cast<unsigned char>(text.size() >> 8U), static_cast<unsigned char>(text.size())};
-  frame.insert(frame.end(), text.begin(), text.end());
+  const std::array<unsigned char, 4> head{kFinalText, 126, static_cast<unsigned char>(text.size() >> 8U),
+                                          static_cast<unsigned char>(text.size())};
+  std::vector<unsigned char> frame(head.size() + text.size());
+  std::copy(text.begin(), text.end(), std::copy(head.begin(), head.end(), frame.begin()));
   return frame;
 }
 

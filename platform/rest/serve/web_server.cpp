@@ -66,7 +66,6 @@ void WebServer::Start() {
     hub_ = std::make_unique<Hub>(tree_, config_, io_, *pool_, *changes_);
     changes_->Open([this] { asio::post(io_, [this] { hub_->subscriptions.Drain(); }); });
     for (const auto& listener : listeners_) listener->Accept([this](asio::ip::tcp::socket socket) { Take(std::move(socket)); });
-    SweepLater();
     ended_ = {};
     end_ = ended_.get_future();
     stopping_ = false;
@@ -124,12 +123,16 @@ void WebServer::Take(asio::ip::tcp::socket socket) {
   const auto session = std::make_shared<HttpSession>(*hub_, std::move(socket));
   connections.Add(session);
   session->Start();
+  if (!sweeping_) SweepLater();
 }
 
+/// Goes on as long as there is somebody to look at: a server at rest sleeps.
 void WebServer::SweepLater() {
+  sweeping_ = true;
   sweep_.expires_after(kSweepEvery);
   sweep_.async_wait([this](const boost::system::error_code& error) {
-    if (error || stopping_) return;
+    sweeping_ = false;
+    if (error || stopping_ || hub_->connections.Size() == 0) return;
     SweepLater();  // first: trouble with one client does not end the sweeps
     hub_->connections.ForEach([now = Clock::now()](Connection& connection) { connection.Sweep(now); });
   });

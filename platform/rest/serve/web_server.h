@@ -55,6 +55,7 @@ class WebServer final : public Frontend {
   std::unique_ptr<Hub> hub_;
   std::vector<std::unique_ptr<Listener>> listeners_;
   boost::asio::steady_timer sweep_;
+  bool sweeping_ = false;     // I/O thread only
   bool stopping_ = false;     // I/O thread only
   std::thread thread_;        // runs io_ until nothing is left to do
   std::promise<void> ended_;  // kept by the I/O thread when it has
