@@ -36,6 +36,7 @@ void WriteList(std::string& out, const std::vector<std::string>& texts) {
 std::string AnnouncementOf(const ServerService& service, const std::vector<std::string>& uris, const std::vector<std::string>& own) {
   const auto path = service.GetUri().ToString();
   std::vector<std::string> places;
+  places.reserve(uris.size() + own.size());
   for (const auto& uri : uris) places.push_back(Completed(uri, own) + path);
   if (uris.empty()) {
     for (const auto& address : own) places.push_back(address + path);

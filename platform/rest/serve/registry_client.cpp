@@ -26,7 +26,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr std::chrono::seconds kLongest{2};
-constexpr std::size_t kMostBytes = 64 * 1024;
+constexpr std::size_t kMostBytes = 65536;
 
 using Endpoints = std::vector<tcp::endpoint>;
 

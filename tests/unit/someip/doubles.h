@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include <boost/variant/variant.hpp>
 #include <gmock/gmock.h>
+#include <boost/variant/variant.hpp>
 
 #include "commmngr/interfaces/comm_mngr_rbec_side_interface.h"
 #include "commmngr/interfaces/comm_mngr_someip_side_interface.h"

@@ -35,8 +35,12 @@ double Battery::PowerAt(double soc, double temperature, double offered) {
 
 double Battery::MinutesTo(double soc, double offered) const {
   constexpr double kStep = 0.5;
+  const int steps = static_cast<int>(std::ceil(std::max(0.0, soc - soc_) / kStep));
   double hours = 0;
-  for (double at = soc_; at < soc; at += kStep) hours += std::min(kStep, soc - at) / 100 * kCapacity / PowerAt(at, temperature_, offered);
+  for (int step = 0; step < steps; ++step) {
+    const double at = soc_ + step * kStep;
+    hours += std::min(kStep, soc - at) / 100 * kCapacity / PowerAt(at, temperature_, offered);
+  }
   return hours * 60;
 }
 
