@@ -55,7 +55,7 @@ busy "$http_port" || fail "the bridge did not listen on port $http_port within 1
 
 cat <<TEXT
 
-The bridge listens on http://127.0.0.1:$http_port; the simulated vehicle charges its battery, ten times as fast as a real one. Try, in another terminal:
+The bridge listens on http://127.0.0.1:$http_port; the simulated vehicle charges its battery, at ${SPEED:-10} times the speed of a real one. Try, in another terminal:
 
   curl -s http://127.0.0.1:$http_port/ChargingManagementCore/views
   curl -s -H 'Content-Type: application/json' -d '{"visibility":"requestedViewVisible"}' \\

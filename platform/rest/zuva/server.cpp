@@ -25,8 +25,8 @@ void Server::Start(bool) {
 
 bool Server::Stop(bool) {
   if (!std::exchange(started_, false)) return false;
-  if (announcer_.joinable()) announcer_.join();
   frontend_->Stop();  // first: a registry that does not answer holds no client up
+  if (announcer_.joinable()) announcer_.join();
   for (const auto& service : GetServices()) service->Detach();
   return true;
 }

@@ -77,8 +77,8 @@ struct SendDiscovery {
   Bytes bytes;
 };
 
-using Action =
-    std::variant<SetValues, SetFaults, OfferServices, StopOfferServices, BreakTcp, Crash, Restart, Quit, SendPayload, SendMessage, SendDiscovery>;
+using Action = std::variant<SetValues, SetFaults, OfferServices, StopOfferServices, BreakTcp, Crash, Restart, Quit, SendPayload,
+                            SendMessage, SendDiscovery>;
 
 /// An action from an object with exactly one member. Throws BadInput.
 Action ParseAction(const nlohmann::json& object, const Place& place);
