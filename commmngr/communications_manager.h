@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 
+#include "commmngr/fair_mutex.h"
 #include "commmngr/interfaces/comm_mngr_rbec_side_interface.h"
 #include "commmngr/interfaces/comm_mngr_someip_side_interface.h"
 #include "commmngr/interfaces/comm_mngr_zuva_side_interface.h"
@@ -93,7 +94,7 @@ class CommunicationsManager final : public CommMngrSomeipSideInterface, public C
 
   // Each makes the updates of its kind pass one after the other; they guard no data.
   // Writes of switches, views, past errors and the reset take none of them: that is meant.
-  std::mutex mutexSomeIpValueControls;  // also the navigation target's way to the vehicle
+  FairMutex mutexSomeIpValueControls;  // also the navigation target's way to the vehicle, which may relay thousands in a row
   std::mutex mutexChargingPlugs;
   std::mutex mutexChargingProcessInformation;
   std::mutex mutexNotificationMarkers;

@@ -1,5 +1,8 @@
+#include <atomic>
+#include <chrono>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -83,6 +86,31 @@ TEST_F(TowardVehicle, AnAbsentResetWordIsAnErrorWithoutALineAndAListenersExcepti
   EXPECT_CALL(*vehicle, Update_FactoryResetInfo(cmc::DT_ChargingManagementCore_resetToFactoryData_resetToFactoryData::origin))
       .WillOnce(Throw(std::runtime_error{"gone"}));
   EXPECT_EQ(manager.TellSomeIpToUpdate_ResetStatus(Some("origin")), SOMEIP_RESPONSE_TYPE::SET_ERROR);
+}
+
+TEST_F(TowardVehicle, AWriterGetsItsTurnWhileTheNavigationRelaysTargetAfterTarget) {
+  std::atomic<int> relayed = 0;
+  int relayedBefore = 0;
+  EXPECT_CALL(*vehicle, Update_ValueControls(_, _, _, "RBEC")).WillRepeatedly([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds{5});
+    ++relayed;
+    return SOMEIP_RESPONSE_TYPE::SET_TIMEOUT;
+  });
+  EXPECT_CALL(*vehicle, Update_ValueControls(_, _, _, "ZUVA")).WillRepeatedly([&] {
+    relayedBefore = relayed;
+    return SOMEIP_RESPONSE_TYPE::SET_SUCCESS;
+  });
+  std::atomic<bool> done = false;
+  std::thread navigation{[&] {
+    while (!done) manager.TellSomeIpToUpdate_NavTargetSoc(80);
+  }};
+  for (int write = 0; write < 40; ++write) {
+    const int relayedAtFirst = relayed;
+    manager.TellSomeIpToUpdate_ValueControls("bidirectionalChargingModesMinSoc", Some(1U), {});
+    EXPECT_LE(relayedBefore, relayedAtFirst + 2);
+  }
+  done = true;
+  navigation.join();
 }
 
 TEST_F(TowardVehicle, WithoutAListenerEveryWriteIsAnError) {
