@@ -3,7 +3,6 @@
 #include "binding/serialization/deserialize_dispatcher.h"
 #include "binding/serialization/serialize_dispatcher.h"
 
-#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -11,47 +10,36 @@ namespace xr::com::someip::serialization {
 
 namespace detail {
 
-/// The bytes that a field's value and each of its records take, worked out once for the usual number of records. No heap use.
+/// The bytes of a field's records, their length fields included. Checks as `serialize`. No heap use.
 template <class Record>
-class Field_sizes {
- public:
-  /// Checks as `serialize`. The field must outlive the sizes, unchanged.
-  [[gnu::flatten]] Field_sizes(const std::vector<Record>& field, const Serialization_properties& properties)
-      : field_{field}, properties_{properties} {
-    if (properties.arrayLengthFieldSize == 0) failures::vector_without_length_field();
-    std::size_t index = 0;
-    for (const auto& record : field) {
-      SizeAccumulator accumulator{properties};
-      record.visit(accumulator);
-      const auto size = accumulator.size();
-      check_length_fits(properties.recordLengthFieldSize, size);
-      if (index < known_.size()) known_[index++] = size;
-      body_ += properties.recordLengthFieldSize + size;
-    }
-    check_length_fits(properties.arrayLengthFieldSize, body_);
+[[gnu::flatten, gnu::noinline]] std::size_t field_body_size(const std::vector<Record>& field, const Serialization_properties& settings) {
+  const auto properties = settings;  // a copy whose address nobody has stays in registers
+  if (properties.arrayLengthFieldSize == 0) failures::vector_without_length_field();
+  std::size_t body = 0;
+  for (const auto& record : field) {
+    SizeAccumulator accumulator{properties};
+    record.visit(accumulator);
+    check_length_fits(properties.recordLengthFieldSize, accumulator.size());
+    body += properties.recordLengthFieldSize + accumulator.size();
   }
+  check_length_fits(properties.arrayLengthFieldSize, body);
+  return body;
+}
 
-  std::size_t body() const { return body_; }
-  std::size_t of(std::size_t index) const { return index < known_.size() ? known_[index] : record_size(field_[index], properties_); }
-
- private:
-  const std::vector<Record>& field_;
-  const Serialization_properties& properties_;
-  std::size_t body_ = 0;
-  std::array<std::size_t, 32> known_;  // of the first records
-};
-
-/// Writes length and body of each record into the bytes from `position` on. The byte order is a constant in here, since the
-/// bigger part of an encoding is numbers.
+/// Writes length and body of each record into the bytes from `position` on. The length goes in last, when the body shows it.
+/// The byte order is a constant in here, since the bigger part of an encoding is numbers.
 template <bool littleEndian, class Record>
 [[gnu::flatten, gnu::noinline]] void write_records(unsigned char* position, const std::vector<Record>& field,
-                                                   const Field_sizes<Record>& sizes, const Serialization_properties& properties) {
+                                                   const Serialization_properties& properties) {
+  const auto lengthSize = properties.recordLengthFieldSize;
   Write_cursor cursor{position, littleEndian};
   Custom_type_serialize_dispatcher dispatcher{cursor, properties};
-  std::size_t index = 0;
   for (const auto& record : field) {
-    cursor.put_length(properties.recordLengthFieldSize, sizes.of(index++));
+    auto* const length = cursor.position();
+    auto* const body = length + lengthSize;
+    cursor = Write_cursor{body, littleEndian};
     record.visit(dispatcher);
+    Write_cursor{length, littleEndian}.put_length(lengthSize, static_cast<std::size_t>(cursor.position() - body));
   }
 }
 
@@ -68,14 +56,14 @@ std::size_t serialized_size(const std::vector<T>& field, const Serialization_pro
 /// All checks come first: on failure (`std::overflow_error`, `std::invalid_argument`, `std::runtime_error`) nothing is appended.
 template <Tagged_record T>
 void serialize(std::vector<unsigned char>& bytes, const std::vector<T>& field, const Serialization_properties& properties) {
-  const detail::Field_sizes sizes{field, properties};
+  const auto body = detail::field_body_size(field, properties);
   const auto offset = bytes.size();
-  bytes.resize(offset + properties.arrayLengthFieldSize + sizes.body());
+  bytes.resize(offset + properties.arrayLengthFieldSize + body);
   const bool littleEndian = properties.is_little_endian();
   auto* const begin = bytes.data() + offset;
-  detail::Write_cursor{begin, littleEndian}.put_length(properties.arrayLengthFieldSize, sizes.body());
+  detail::Write_cursor{begin, littleEndian}.put_length(properties.arrayLengthFieldSize, body);
   const auto write = littleEndian ? &detail::write_records<true, T> : &detail::write_records<false, T>;
-  write(begin + properties.arrayLengthFieldSize, field, sizes, properties);
+  write(begin + properties.arrayLengthFieldSize, field, properties);
 }
 
 /// Appends one tagged member: tag, length field if the wire type has one, body. Fails as `serialize`.

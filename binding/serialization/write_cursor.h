@@ -14,6 +14,8 @@ class Write_cursor {
  public:
   Write_cursor(unsigned char* position, bool littleEndian) : position_{position}, littleEndian_{littleEndian} {}
 
+  unsigned char* position() const { return position_; }
+
   template <Scalar T>
   void put(T value) {
     store(position_, value, littleEndian_);
