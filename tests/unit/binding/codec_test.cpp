@@ -51,7 +51,7 @@ TEST(Codec, ComesBackUnchangedInEveryOrderAndLengthFieldSize) {
   EXPECT_EQ(Decoded(Encoded({FullSample()}, open), open), std::vector{FullSample()});
 }
 
-TEST(Codec, TakesMoreRecordsThanItRemembersSizesOf) {
+TEST(Codec, EachRecordOfManyHasItsOwnLength) {
   std::vector<Sample> field(70);
   for (std::size_t i = 0; i < field.size(); ++i) field[i].text = std::string(i, 'x');
   EXPECT_EQ(Decoded(Encoded(field)), field);
