@@ -1,5 +1,6 @@
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -127,14 +128,36 @@ TEST_F(Listener, OneRunOfAHandlerPassesEverySampleOnInOrder) {
                                        "[SomeIp][SomeIp -> Zuva] View object has no type... Ignoring notification..."));
 }
 
-TEST_F(Listener, WithoutSamplesNothingIsCleanedUpAndOneNeighbourLendsItsWords) {
+TEST_F(Listener, WithoutSamplesEachHandlerSaysSoAndNothingIsCleanedUp) {
+  proxyIsNull = false;
+  ON_CALL(*wrapper, GetCachedSamples).WillByDefault([](Resource resource) {
+    types::CachedSamplesVariant none;
+    chargingManagementCoreListener::Resources::With(resource, [&none](auto row) { none = typename decltype(row)::Samples{}; });
+    return none;
+  });
   EXPECT_CALL(*wrapper, Cleanup).Times(0);
-  EXPECT_CALL(*wrapper, GetCachedSamples)
-      .WillOnce(Return(
-          types::CachedSamplesVariant{std::vector<std::shared_ptr<const std::vector<cmc::DT_bidirectionalChargingModes_struct>>>{}}));
-  listener->OnReceived_BidirectionalChargingModes();
-  EXPECT_EQ(log.Lines().back(),
-            "[SomeIp][SomeIp -> Zuva] BatteryCareModes notification: There are no elements in the CachedSamples. Returning...");
+  using Self = ChargingManagementCoreListener;
+  const std::pair<void (Self::*)(), const char*> rows[] = {
+      {&Self::OnReceived_ChargingPlugs, "[SomeIp] ChargingPlugs"},
+      {&Self::OnReceived_ValueControls, "[SomeIp][SomeIp -> Zuva] ValueControls"},
+      {&Self::OnReceived_SwitchControls, "[SomeIp] SwitchControls"},
+      {&Self::OnReceived_Views, "[SomeIp][SomeIp -> Zuva] Views"},
+      {&Self::OnReceived_NotificationMarkers, "[SomeIp] NotificationMarkers"},
+      {&Self::OnReceived_OruUpdateApprovals, "[SomeIp] OruUpdateApprovals"},
+      {&Self::OnReceived_Notifications, "[SomeIp] Notifications"},
+      {&Self::OnReceived_FactoryResetData, "[SomeIp][SomeIp -> Zuva] FactoryResetData"},
+      {&Self::OnReceived_chargingProcessInformation, "[SomeIp] ChargingProcessInformation"},
+      {&Self::OnReceived_valueIndications, "[SomeIp] ValueIndications"},
+      {&Self::OnReceived_pastErrorInformation, "[SomeIp][SomeIp -> Zuva] PastErrorInformation"},
+      {&Self::OnReceived_BatteryCareModes, "[SomeIp][SomeIp -> Zuva] BatteryCareModes"},
+      {&Self::OnReceived_BatteryPreconditionings, "[SomeIp][SomeIp -> Zuva] BatteryPreconditionings"},
+      {&Self::OnReceived_BatteryPreconditioningEnergies, "[SomeIp][SomeIp -> Zuva] BatteryPreconditioningEnergies"},
+      {&Self::OnReceived_BidirectionalChargingModes, "[SomeIp][SomeIp -> Zuva] BatteryCareModes"},  // its neighbour's words
+  };
+  for (const auto& [handler, begin] : rows) {
+    ((*listener).*handler)();
+    EXPECT_EQ(log.Lines().back(), std::string{begin} + " notification: There are no elements in the CachedSamples. Returning...");
+  }
 }
 
 TEST_F(Listener, ThreeHandlersReturnAtOnceWithoutAProxy) {
@@ -188,7 +211,14 @@ TEST_F(Gets, ACycleAsksInItsOwnOrderAndAnEmptyAnswerChangesNothing) {
   EXPECT_CALL(*wrapper, PrepareGets);
   listener->FetchData();
   EXPECT_THAT(asked, ::testing::ElementsAreArray(chargingManagementCoreListener::kGetOrder));
-  EXPECT_THAT(log.Lines(), Contains("[SomeIp][SomeIpGET -> Zuva] Get failed for resetToFactory OR 0 elements retrieved..."));
+  std::vector<std::string> lines{"[SomeIp][SomeIpGET -> Zuva] Entered fetch here...",
+                                 "[SomeIp][SomeIpGET -> Zuva] Getting data from the someip server..."};
+  for (const char* word : {"chargingPlugs", "chargingProcessInformation", "notificationMarkers", "notifications", "oruUpdateApprovals",
+                           "pastErrorInformation", "switchControls", "valueIndications", "views", "resetToFactory", "ValueControl",
+                           "BidirectionalChargingModes", "BatteryCareModes", "BatteryPreconditionings", "BatteryPreconditioningEnergies"}) {
+    lines.push_back(std::string{"[SomeIp][SomeIpGET -> Zuva] Get failed for "} + word + " OR 0 elements retrieved...");
+  }
+  EXPECT_EQ(log.Lines(), lines);
 }
 
 TEST_F(Gets, RecordsGoTheWayOfNotificationsWithWordsOfTheirOwn) {
