@@ -26,7 +26,7 @@ extern "C" void OnStopSignal(int number) {
 }  // namespace
 
 void InstallStopSignals() {
-  for (const int number : {SIGINT, SIGABRT, SIGTERM}) std::signal(number, OnStopSignal);
+  for (const int number : {SIGINT, SIGABRT, SIGTERM}) (void)std::signal(number, OnStopSignal);
 }
 
 bool StopRequested() noexcept {

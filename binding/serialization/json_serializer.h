@@ -63,12 +63,10 @@ template <class T>
 void Json_serializer::write(nlohmann::ordered_json& to, const T& value) {
   if constexpr (std::is_same_v<T, bool>) {
     detail::put(to, value);
-  } else if constexpr (std::is_enum_v<T>) {
+  } else if constexpr (std::is_enum_v<T> || std::is_unsigned_v<T>) {
     detail::put(to, static_cast<std::uint64_t>(value));
   } else if constexpr (std::is_floating_point_v<T>) {
     detail::put(to, static_cast<double>(value));
-  } else if constexpr (std::is_unsigned_v<T>) {
-    detail::put(to, static_cast<std::uint64_t>(value));
   } else if constexpr (std::is_integral_v<T>) {
     detail::put(to, static_cast<std::int64_t>(value));
   } else if constexpr (std::is_same_v<T, std::string>) {

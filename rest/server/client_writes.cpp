@@ -88,7 +88,7 @@ void TROVZuVaServer::Wrap(zuva::ServerXObject& object, PostHandler<T> handler, c
   object.SetPreUpdateCallback([this, handler, &row, check = object.GetPreUpdateCallback()](
                                   std::shared_ptr<zuva::BaseXObject> target, const ogm::Object& posted, zuva::ServerReply& reply) {
     if (!check(target, posted, reply)) return false;
-    const PostStatus status = (this->*handler)(posted, std::static_pointer_cast<T>(target));
+    const PostStatus status = (this->*handler)(posted, std::static_pointer_cast<T>(std::move(target)));
     return Conclude(status, row, logger_, reply);
   });
 }
@@ -96,7 +96,7 @@ void TROVZuVaServer::Wrap(zuva::ServerXObject& object, PostHandler<T> handler, c
 void TROVZuVaServer::Guard(zuva::ServerXObject& object, PostCheck check, bool expected, const PostAnswer& answer) {
   object.SetPreUpdateCallback([this, check, expected, answer, next = object.GetPreUpdateCallback()](
                                   std::shared_ptr<zuva::BaseXObject> target, const ogm::Object& posted, zuva::ServerReply& reply) {
-    if ((this->*check)(posted) == expected) return next(target, posted, reply);
+    if ((this->*check)(posted) == expected) return next(std::move(target), posted, reply);
     Send(answer, reply);
     return false;
   });

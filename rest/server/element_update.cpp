@@ -22,7 +22,7 @@ void ErrorLines::LogOther(const ara::log::Logger& logger, std::string_view field
 
 std::shared_ptr<zuva::server::ModelElement> FindByType(zuva::ServerResource& resource, const Word& type) {
   for (const auto& element : resource.GetElements()) {
-    const auto object = zuva::server::TypedElement<zuva::server::ModelElement>(element);
+    auto object = zuva::server::TypedElement<zuva::server::ModelElement>(element);
     if (object->HasWord("type", type.value())) return object;
   }
   return nullptr;

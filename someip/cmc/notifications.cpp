@@ -40,7 +40,7 @@ std::string TextOf(const cmc::DT_chargingProcessInformation_struct& record) {
 
 template <class R>
 void ChargingManagementCoreListener::OnReceived() {
-  constexpr const auto& row = kNotified<R>;
+  const auto& row = kNotified<R>;
   someip::HandleSamples<R>(*proxyWrapper, logger, row, [&](const typename R::Record& record) {
     if constexpr (std::is_same_v<R, ChargingProcessInformation>) {
       if (record.type) logger.LogInfo() << "[SomeIp] chargingProcessInformation - " << TextOf(record);

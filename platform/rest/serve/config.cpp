@@ -34,7 +34,9 @@ using Readers = std::vector<std::pair<std::string_view, std::function<void(const
 void ReadObject(const std::string& where, const json& object, const Readers& readers) {
   if (!object.is_object()) Refuse(where.empty() ? "the file" : where, "must be an object");
   for (const auto& [name, value] : object.items()) {
-    const std::string key = where.empty() ? name : where + "." + name;
+    std::string key = where;
+    if (!key.empty()) key += '.';
+    key += name;
     const auto known = std::find_if(readers.begin(), readers.end(), [&name = name](const auto& reader) { return reader.first == name; });
     if (known == readers.end()) Refuse(key, "unknown key");
     known->second(key, value);

@@ -13,6 +13,7 @@ class Instance_id {
 
   const std::string& value() const noexcept { return value_; }
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy reads the 0 of the generated comparison
   friend auto operator<=>(const Instance_id&, const Instance_id&) = default;
 
  private:

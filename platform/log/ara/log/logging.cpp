@@ -71,14 +71,14 @@ void LogUncaught() {
 
 }  // namespace
 
-void InitLogging(std::string applicationId, std::string description, LogLevel defaultLevel, LogMode mode, std::string path) {
+void InitLogging(std::string applicationId, const std::string& description, LogLevel defaultLevel, LogMode mode, std::string path) {
   Backend& backend = Backend::Instance();
   backend.ExpectNotStarted();
   auto sink = OpenSink(ChooseTarget(mode, std::move(path)), std::move(applicationId), description);
   backend.SetLevel(defaultLevel);
   backend.Start(std::move(sink));
   terminateBefore = std::set_terminate(WriteLastWords);
-  std::atexit([] { Backend::Instance().Stop(); });  // after libdlt's own handler, hence called before it
+  (void)std::atexit([] { Backend::Instance().Stop(); });  // after libdlt's own handler, hence called before it
 }
 
 Logger& CreateLogger(std::string contextId, std::string description) {

@@ -20,7 +20,7 @@ namespace ara::log {
 /// put before the present one, and both it and the end of the process wait until what was logged is written.
 ///
 /// Throws `std::runtime_error` that tells the reason if the sink cannot be opened, or if logging has been started already.
-void InitLogging(std::string applicationId, std::string description, LogLevel defaultLevel, LogMode mode, std::string path);
+void InitLogging(std::string applicationId, const std::string& description, LogLevel defaultLevel, LogMode mode, std::string path);
 
 /// The logger of this context id and description: made at the first call, the same one afterwards. Any thread, also before `InitLogging`.
 Logger& CreateLogger(std::string contextId, std::string description);

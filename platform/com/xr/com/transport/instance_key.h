@@ -13,6 +13,7 @@ struct Instance_key {
   std::uint16_t service;
   std::uint16_t instance;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy reads the 0 of the generated comparison
   friend auto operator<=>(const Instance_key&, const Instance_key&) = default;
 };
 

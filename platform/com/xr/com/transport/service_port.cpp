@@ -56,7 +56,7 @@ void Service_port::start() {
 
 void Service_port::stop() {
   std::vector<wire::Sd_entry> ends;
-  for (std::uint16_t field = 0; field < service_.fields.size(); ++field) {
+  for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(service_.fields.size()); ++field) {
     if (can_subscribe(field) && subscriptions_.unwant(field)) ends.push_back(subscribe_entry(field, 0));
   }
   if (!ends.empty()) environment_.discovery.send_to(offer_->peer, std::move(ends));

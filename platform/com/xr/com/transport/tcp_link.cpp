@@ -47,7 +47,7 @@ boost::system::result<std::size_t> send_now(int descriptor, wire::Bytes front, w
 
 }  // namespace
 
-Tcp_link::Tcp_link(asio::io_context& io, asio::ip::address_v4 local, Counted_warnings& warnings, Handlers handlers)
+Tcp_link::Tcp_link(asio::io_context& io, const asio::ip::address_v4& local, Counted_warnings& warnings, Handlers handlers)
     : io_{io}, local_{local}, warnings_{warnings}, handlers_{std::move(handlers)}, socket_{io}, timer_{io} {}
 
 void Tcp_link::open(const wire::Endpoint& remote) {

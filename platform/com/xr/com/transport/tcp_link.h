@@ -30,7 +30,7 @@ class Tcp_link {
   /// At most so many bytes wait for a slow peer; a message beyond that is refused.
   static constexpr std::size_t kMaximumQueued = 1 << 20;
 
-  Tcp_link(boost::asio::io_context& io, boost::asio::ip::address_v4 local, Counted_warnings& warnings, Handlers handlers);
+  Tcp_link(boost::asio::io_context& io, const boost::asio::ip::address_v4& local, Counted_warnings& warnings, Handlers handlers);
 
   /// Connects to `remote`, in place of any other. A connection that stands ends, with its `down`.
   void open(const wire::Endpoint& remote);

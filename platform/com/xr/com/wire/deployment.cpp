@@ -89,7 +89,7 @@ class Reader {
 
   boost::asio::ip::address_v4 address(const std::string& key) const {
     boost::system::error_code error;
-    const auto address = boost::asio::ip::make_address_v4(text(key), error);
+    auto address = boost::asio::ip::make_address_v4(text(key), error);
     if (error || address.is_unspecified()) fail(key, "must be an IPv4 address");
     return address;
   }

@@ -21,7 +21,7 @@ namespace ara::log::impl {
 
 namespace {
 
-constexpr std::size_t kBlock = 64 * 1024;
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
 constexpr std::array<std::string_view, 7> kLevelWords{"OFF", "FATAL", "ERROR", "WARN", "INFO", "DEBUG", "VERBOSE"};
 
 bool IsFile(int descriptor) noexcept {

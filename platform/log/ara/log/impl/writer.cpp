@@ -16,7 +16,7 @@ namespace ara::log::impl {
 
 namespace {
 
-constexpr std::size_t kRingBytes = 8 * 1024 * 1024;
+constexpr std::size_t kRingBytes = std::size_t{8} * 1024 * 1024;
 constexpr std::chrono::milliseconds kNap{5};
 
 }  // namespace
