@@ -40,12 +40,11 @@ std::string TextOf(const cmc::DT_chargingProcessInformation_struct& record) {
 
 template <class R>
 void ChargingManagementCoreListener::OnReceived() {
-  const auto& row = kNotified<R>;
-  someip::HandleSamples<R>(*proxyWrapper, logger, row, [&](const typename R::Record& record) {
+  someip::HandleSamples<R>(*proxyWrapper, logger, kNotified<R>, [&](const typename R::Record& record) {
     if constexpr (std::is_same_v<R, ChargingProcessInformation>) {
       if (record.type) logger.LogInfo() << "[SomeIp] chargingProcessInformation - " << TextOf(record);
     }
-    PassOnTyped(record, row.noType);
+    PassOnTyped(record, kNotified<R>.noType);
   });
 }
 
