@@ -33,6 +33,7 @@ void Subscription_book::drop(const Predicate& concerned) {
   for_wanted([&](std::uint16_t field, Field& entry) {
     if (!concerned(field)) return;
     entry.due = entry.refused = false;
+    entry.left = entry.left || entry.state != State::not_subscribed;
     set_state(field, State::not_subscribed);
   });
 }
