@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 
 namespace bench {
@@ -15,15 +14,6 @@ double CpuNanoseconds(pid_t process) {
     sum += onCpu;
   }
   return sum;
-}
-
-double ResidentMegabytes(pid_t process) {
-  std::ifstream status{"/proc/" + std::to_string(process) + "/status"};
-  for (std::string word; status >> word;) {
-    double kilobytes = 0;
-    if (word == "VmRSS:" && status >> kilobytes) return kilobytes / 1024;
-  }
-  throw std::runtime_error("no resident memory in the process's status");
 }
 
 }  // namespace bench

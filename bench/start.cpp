@@ -3,6 +3,8 @@
 #include "bench/process_cost.h"
 #include "bench/program.h"
 
+#include "tests/support/process.h"
+
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -40,7 +42,7 @@ int main() {
   const double before = bench::CpuNanoseconds(bridge.Pid());
   vehicle.Context().run_for(kRest);
   const double share = (bench::CpuNanoseconds(bridge.Pid()) - before) / std::chrono::duration<double, std::nano>(kRest).count();
-  bench::PrintRow("resident memory at rest", "MB", bench::ResidentMegabytes(bridge.Pid()), 0, "<= 20 MB");
+  bench::PrintRow("resident memory at rest", "MB", test_support::ResidentMegabytes(bridge.Pid()), 0, "<= 20 MB");
   bench::PrintRow("CPU at rest", "%", 100 * share, 0, "< 0.1 %");
   bridge.Stop();
 }

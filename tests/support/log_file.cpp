@@ -32,10 +32,12 @@ const std::vector<std::string>& LineFile::Lines() {
   const std::string fresh{std::istreambuf_iterator<char>{file}, {}};
   read_ += fresh.size();
   rest_ += fresh;
-  for (auto end = rest_.find('\n'); end != std::string::npos; end = rest_.find('\n')) {
-    lines_.push_back(rest_.substr(0, end));
-    rest_.erase(0, end + 1);
+  std::size_t begin = 0;
+  for (auto end = rest_.find('\n'); end != std::string::npos; end = rest_.find('\n', begin)) {
+    lines_.push_back(rest_.substr(begin, end - begin));
+    begin = end + 1;
   }
+  rest_.erase(0, begin);
   return lines_;
 }
 

@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 #include <ostream>
+#include <stdexcept>
 #include <system_error>
 
 extern char** environ;
@@ -57,6 +59,15 @@ int OpenForOutput(const std::filesystem::path& path) {
 
 std::ostream& operator<<(std::ostream& out, const ExitStatus& status) {
   return status.signal ? out << "ended by signal " << status.signal : out << "exit code " << status.code;
+}
+
+double ResidentMegabytes(pid_t process) {
+  std::ifstream status{"/proc/" + std::to_string(process) + "/status"};
+  for (std::string word; status >> word;) {
+    double kilobytes = 0;
+    if (word == "VmRSS:" && status >> kilobytes) return kilobytes / 1024;
+  }
+  throw std::runtime_error("no resident memory in the process's status");
 }
 
 std::filesystem::path ProgramBesideThisTest(std::string_view name) {

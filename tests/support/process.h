@@ -29,6 +29,9 @@ struct ProcessOptions {
   std::filesystem::path errorPath = "/dev/null";                  ///< where standard error goes
 };
 
+/// How much of a process stands in memory. Throws std::runtime_error if there is no such process.
+double ResidentMegabytes(pid_t process);
+
 /// The path of a program that was built into the same folder as the running test.
 std::filesystem::path ProgramBesideThisTest(std::string_view name);
 

@@ -12,22 +12,26 @@ constexpr std::size_t kFieldsTheBridgeReads = 16;
 
 }  // namespace
 
-VehicleProcess::VehicleProcess(const TempRoot& root, std::string scenario, double speed)
-    : root_{root}, scenario_{std::move(scenario)}, speed_{speed} {
+VehicleProcess::VehicleProcess(const TempRoot& root, std::string scenario, double speed, std::string address)
+    : root_{root}, scenario_{std::move(scenario)}, speed_{speed}, address_{std::move(address)} {
   Start();
 }
 
 void VehicleProcess::Start() {
-  const auto output = root_.Path() / ("vehicle" + std::to_string(++starts_) + ".out");
+  Launch();
+  if (!WaitForEvent("ready", "")) throw std::runtime_error("the vehicle does not offer; see its output in " + root_.Path().string());
+}
+
+void VehicleProcess::Launch() {
+  const auto output = root_.Path() / ("vehicle-" + address_ + "-" + std::to_string(++starts_) + ".out");
   output_ = std::make_unique<LineFile>(output);
   events_.clear();
-  process_ = std::make_unique<Process>(ProcessOptions{
-      .program = ProgramBesideThisTest("vehicle"),
-      .arguments = {"--deployment", root_.DeploymentPath().string(), "--scenario", scenario_, "--speed", std::to_string(speed_)},
-      .environment = {{"ARA_LOG", {}}},
-      .outputPath = output,
-      .errorPath = root_.Path() / "vehicle.err"});
-  if (!WaitForEvent("ready", "")) throw std::runtime_error("the vehicle does not offer; see its output in " + output.string());
+  process_ = std::make_unique<Process>(ProcessOptions{.program = ProgramBesideThisTest("vehicle"),
+                                                      .arguments = {"--address", address_, "--deployment", root_.DeploymentPath().string(),
+                                                                    "--scenario", scenario_, "--speed", std::to_string(speed_)},
+                                                      .environment = {{"ARA_LOG", {}}},
+                                                      .outputPath = output,
+                                                      .errorPath = root_.Path() / "vehicle.err"});
 }
 
 void VehicleProcess::Command(const nlohmann::json& command) {

@@ -15,17 +15,19 @@
 
 namespace test_support {
 
-/// The simulated vehicle as a child process on 127.0.0.2, driven by commands and watched by the events that it prints. For one thread.
+/// The simulated vehicle as a child process, driven by commands and watched by the events that it prints. For one thread.
 class VehicleProcess {
  public:
   using Matches = std::function<bool(const nlohmann::json&)>;
 
   /// Starts it with the root's deployment and a scenario (file or name), and waits until it offers.
-  /// Throws std::runtime_error if it does not.
-  explicit VehicleProcess(const TempRoot& root, std::string scenario = "parked", double speed = 1);
+  /// Throws std::runtime_error if it does not. A second vehicle needs an address of its own.
+  explicit VehicleProcess(const TempRoot& root, std::string scenario = "parked", double speed = 1, std::string address = "127.0.0.2");
 
-  /// Starts a new process in place of one that has ended.
+  /// Starts a new process in place of one that has ended, and waits until it offers.
   void Start();
+  /// The same without the wait: it can be ended before it has said anything.
+  void Launch();
   void Command(const nlohmann::json& command);
 
   /// The first event from `from` on (a position of EventCount) that matches; nothing if none comes in time.
@@ -50,6 +52,7 @@ class VehicleProcess {
   const TempRoot& root_;
   std::string scenario_;
   double speed_;
+  std::string address_;
   int starts_ = 0;
   std::unique_ptr<LineFile> output_;
   std::vector<nlohmann::json> events_;

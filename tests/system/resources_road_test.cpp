@@ -216,6 +216,7 @@ TEST_F(Roads, ASessionCanBeFollowedToItsEnd) {
   for (const char* state : {"chargingHvBattery", "chargepurposeReachedAndConservation", "discharging"}) {
     EXPECT_TRUE(WaitForEvent(ws, "changed", process, {{"currentChargeState", state}}, 40s)) << state;
   }
+  EXPECT_FALSE(bridge_.Log().WaitForLine("out of range", 1, 0ms)) << "a good vehicle keeps the limits";
   // The session goes on; what the vehicle holds and what a client sees is the same all the time, but for what is on its way.
   const auto soc = Elements("valueIndications").at(0);
   EXPECT_EQ(soc["type"], "chargingProcessInformationCurrentSoc");

@@ -18,6 +18,12 @@ using test_support::WaitFor;
 using Seconds = std::chrono::duration<double>;
 using namespace std::chrono_literals;
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kSanitized = true;  // whose times and memory are not the product's
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
 inline const std::string kViews = "/ChargingManagementCore/views";
 
 /// The records of the popup view as the vehicle tells it.

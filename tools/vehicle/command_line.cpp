@@ -60,6 +60,7 @@ Standard output has one JSON object per line for each thing that happens. Standa
   {"set":{"views":[{"type":"popup","content":"chargingInformationScreen","visibility":"newRequest"}]}}
   {"fault":{"views":{"set":"silent","get":{"error":32,"delay":0.5},"subscribe":"nack"}}}    {"fault":"none"}
   {"stopOffer":"ChargingManagementCore"}    {"offer":true}    {"breakTcp":true}    {"crash":true}    {"quit":true}
+  {"repeat":{"valueIndications":{"record":{"type":"chargingProcessInformationCurrentSoc"},"counter":"currentValue","times":9000,"perSecond":300}}}
   {"payload":{"views":"00 00 00 02 ff ff"}}    {"message":{"views":"63 10 …"}}    {"discovery":"ff ff 81 00 …"}
 )";
 }

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 
@@ -15,6 +16,7 @@ using nlohmann::ordered_json;
 namespace {
 
 const Bytes kNoRecords{0, 0, 0, 0};
+constexpr std::size_t kMostAtOnce = 64;  // repetitions before the sockets get their turn
 
 ordered_json InWords(const std::string& field, const Bytes& payload) {
   try {
@@ -30,6 +32,14 @@ Behaviour BehaviourOf(const std::map<std::string, Behaviour>& behaviours, const 
 }
 
 }  // namespace
+
+/// A repetition under way; its timer keeps it.
+struct Vehicle::Repetition {
+  RepeatNotification action;
+  net::steady_timer timer;
+  std::chrono::steady_clock::time_point began = std::chrono::steady_clock::now();
+  std::size_t told = 0;
+};
 
 Vehicle::Vehicle(net::io_context& context, const xr::com::wire::Deployment& deployment, const net::ip::address_v4& address,
                  const Scenario& scenario, double speed, Reporter& reporter)
@@ -182,6 +192,26 @@ void Vehicle::Do(const Quit&) {
 void Vehicle::Do(const SendPayload& action) {
   values_.at(action.field) = action.payload;
   server_.Notify(action.field);
+}
+
+void Vehicle::Do(const RepeatNotification& action) {
+  TellNext(std::make_shared<Repetition>(Repetition{.action = action, .timer = net::steady_timer{context_}}));
+}
+
+void Vehicle::TellNext(const std::shared_ptr<Repetition>& repetition) {
+  const auto& [field, payloads, gap] = repetition->action;
+  const auto next = [&] { return repetition->began + gap * repetition->told; };
+  // What is late is told at once, so that the pace holds on the whole.
+  const auto end = std::min(payloads.size(), repetition->told + kMostAtOnce);
+  for (; repetition->told < end && next() <= std::chrono::steady_clock::now(); ++repetition->told) {
+    values_.at(field) = payloads[repetition->told];
+    server_.Notify(field);
+  }
+  if (repetition->told == payloads.size()) return reporter_.Tell("repeated", {{"field", field}, {"times", payloads.size()}});
+  repetition->timer.expires_at(next());
+  repetition->timer.async_wait([this, repetition](auto error) {
+    if (!error) TellNext(repetition);
+  });
 }
 
 void Vehicle::Do(const SendMessage& action) {

@@ -8,6 +8,7 @@
 #include <boost/asio/io_context.hpp>
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -32,6 +33,8 @@ class Vehicle final : public FieldHost {
   void Execute(const Action& action);
 
  private:
+  struct Repetition;
+
   void OnGet(const std::string& field, Reply reply) override;
   void OnSet(const std::string& field, const Bytes& payload, Reply reply) override;
   Bytes PresentValue(const std::string& field) override { return values_.at(field); }
@@ -51,11 +54,13 @@ class Vehicle final : public FieldHost {
   void Do(const Restart& action);
   void Do(const Quit& action);
   void Do(const SendPayload& action);
+  void Do(const RepeatNotification& action);
   void Do(const SendMessage& action);
   void Do(const SendDiscovery& action);
 
   /// What the session says: changes of records that are held, told where there is one.
   void Say(const nlohmann::json& words);
+  void TellNext(const std::shared_ptr<Repetition>& repetition);
   void TakeSet(const std::string& field, const Bytes& payload, const Reply& reply);
   /// Runs `answer` when the behaviour's delay is over.
   void Later(std::chrono::milliseconds delay, std::function<void()> answer);

@@ -88,6 +88,18 @@ TEST_F(Discovery, AnOfferRunsOutWithItsTime) {
   EXPECT_EQ(vehicle_.wait_entry([&](const Sd_entry& entry) { return is_find(entry); }).service, kServiceId) << "it is sought again";
 }
 
+TEST_F(Discovery, AServiceThatWasOnlySilentIsSubscribedAnewSoThatItTellsWhatWasMissed) {
+  meet();
+  const auto sink = subscribe("views");
+  vehicle_.accept_subscribe("views");
+  vehicle_.offer(1);
+  expect_list(0);
+  vehicle_.offer();
+  const auto end = vehicle_.wait_entry([](const Sd_entry& entry) { return entry.type == Entry_type::subscribe && entry.ttl == 0; });
+  EXPECT_EQ(end.eventgroup, service().find_field("views")->eventgroup);
+  EXPECT_EQ(received_after(*sink, vehicle_.accept_subscribe("views"), {7}), Bytes{7});
+}
+
 TEST_F(Discovery, ARebootIsALossAndAReturn) {
   meet();
   const auto sink = subscribe("views");

@@ -126,6 +126,20 @@ TEST_F(Book, KeepsWhatIsWantedOverALoss) {
   EXPECT_THAT(states, ElementsAre(State::pending, State::subscribed, State::not_subscribed, State::pending));
 }
 
+TEST_F(Book, TellsOnceWhatTheServiceMayStillHoldAfterALoss) {
+  for (std::uint16_t field = 0; field < 3; ++field) book.want(field);
+  due();
+  book.acknowledged(0);
+  book.refused(1);
+  EXPECT_FALSE(book.take_left(0)) << "nothing was lost";
+  book.drop(all);
+  book.drop(all);
+  EXPECT_TRUE(book.take_left(0));
+  EXPECT_FALSE(book.take_left(0));
+  EXPECT_FALSE(book.take_left(1)) << "it was refused";
+  EXPECT_TRUE(book.take_left(2)) << "its answer may be on its way";
+}
+
 TEST_F(Book, WhatWasRefusedWaitsForTheNextOffer) {
   book.want(0);
   book.want(2);

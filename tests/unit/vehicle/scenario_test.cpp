@@ -46,6 +46,12 @@ INSTANTIATE_TEST_SUITE_P(
         WrongScenario{"ErrorCodeTooBig", R"({"faults": {"views": {"get": {"error": 256}}}})",
                       "/faults/views/get/error: 256 is more than 255"},
         WrongScenario{"OddDigits", R"({"steps": [{"at": 1, "payload": {"views": "abc"}}]})", "/steps/0/payload/views: pairs"},
+        WrongScenario{"RepetitionWithoutPace",
+                      R"({"steps": [{"at": 1, "repeat": {"views": {"record": {}, "counter": "type", "times": 1}}}]})",
+                      "/steps/0/repeat/views: record, counter, times and perSecond"},
+        WrongScenario{"RepetitionOfNoMember",
+                      R"({"steps": [{"at": 1, "repeat": {"views": {"record": {}, "counter": "count", "times": 1, "perSecond": 1}}}]})",
+                      "/steps/0/repeat/views/record/0/count: the record has no such member"},
         WrongScenario{"RoundTooShort", R"({"steps": [{"at": 5, "quit": true}], "repeatEvery": 4})", "/repeatEvery: shorter"}),
     [](const auto& row) { return row.param.name; });
 

@@ -159,6 +159,19 @@ TEST_F(VehicleServer, ASetIsAnsweredWithTheValueSetAndTellsTheMergedField) {
   EXPECT_EQ(peer_.received[3].payload, payload) << "a get gives the value held";
 }
 
+TEST_F(VehicleServer, ARepetitionTellsEachNumberInOrderAtItsPace) {
+  SubscribeAndWait("batteryPreconditioningEnergies");
+  const auto start = std::chrono::steady_clock::now();
+  const json record{{"type", "batteryPreconditioningEnergy1"}};
+  Command({{"repeat",
+            {{"batteryPreconditioningEnergies", {{"record", record}, {"counter", "firstStop"}, {"times", 200}, {"perSecond", 1000}}}}}});
+  ASSERT_TRUE(Wait([&] { return Notified("batteryPreconditioningEnergies").size() == 201; }));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds{199});
+  const auto notified = Notified("batteryPreconditioningEnergies");
+  for (std::size_t i = 1; i <= 200; ++i) EXPECT_EQ(notified[i][0]["firstStop"], i);
+  EXPECT_TRUE(Told("repeated", "field", "batteryPreconditioningEnergies"));
+}
+
 TEST_F(VehicleServer, FaultsDecideTheAnswersUntilTheyAreEnded) {
   const auto payload = Payload("views", {{{"type", "bcamScreen"}}});
   Command({{"fault", {{"views", {{"get", {{"error", 32}, {"delay", 0.01}}}, {"set", "silent"}}}}}});

@@ -25,10 +25,15 @@ std::string FieldName(const std::string& name, const Place& place) {
   return name;
 }
 
-std::pair<std::string, Bytes> FieldAndBytes(const json& value, const Place& place) {
+json::const_iterator OnlyField(const json& value, const Place& place) {
   if (ObjectAt(value, place).size() != 1) throw BadInput{place, "exactly one field is expected"};
-  const auto only = value.begin();
-  return {FieldName(only.key(), place / only.key()), BytesFromHex(only.value(), place / only.key())};
+  FieldName(value.begin().key(), place / value.begin().key());
+  return value.begin();
+}
+
+std::pair<std::string, Bytes> FieldAndBytes(const json& value, const Place& place) {
+  const auto only = OnlyField(value, place);
+  return {only.key(), BytesFromHex(only.value(), place / only.key())};
 }
 
 std::vector<std::string> ParseServices(const json& value, const Place& place) {
@@ -79,12 +84,34 @@ FieldFault ParseFieldFault(const std::string& field, const json& value, const Pl
   return fault;
 }
 
+constexpr unsigned kMostRepetitions = 100'000;  // their payloads are made beforehand
+
+RepeatNotification ParseRepetition(const json& value, const Place& place) {
+  const auto only = OnlyField(value, place);
+  const auto here = place / only.key();
+  const auto part = [&](const char* name) -> const json& {
+    if (!ObjectAt(*only, here).contains(name)) throw BadInput{here, "record, counter, times and perSecond are expected"};
+    return (*only)[name];
+  };
+  const auto counter = TextFromJson(part("counter"), here / "counter");
+  const auto times = UnsignedFromJson(part("times"), kMostRepetitions, here / "times");
+  const auto perSecond = UnsignedFromJson(part("perSecond"), kMostRepetitions, here / "perSecond");
+  if (perSecond == 0) throw BadInput{here / "perSecond", "more than 0 is expected"};
+  auto records = json::array({ObjectAt(part("record"), here / "record")});
+  RepeatNotification repetition{.field = only.key(), .payloads = {}, .gap = std::chrono::nanoseconds{1'000'000'000 / perSecond}};
+  for (std::uint64_t number = 1; number <= times; ++number) {
+    records[0][counter] = number;
+    repetition.payloads.push_back(CodecOf(only.key(), here).fromJson(records, here / "record"));
+  }
+  return repetition;
+}
+
 struct ActionKind {
   std::string_view name;
   Action (*parse)(const json& value, const Place& place);
 };
 
-constexpr std::array<ActionKind, 11> kKinds{{
+constexpr std::array<ActionKind, 12> kKinds{{
     {"set", [](const json& value, const Place& place) -> Action { return ParseValues(value, place); }},
     {"fault", [](const json& value, const Place& place) -> Action { return ParseFaults(value, place); }},
     {"offer", [](const json& value, const Place& place) -> Action { return OfferServices{ParseServices(value, place)}; }},
@@ -98,6 +125,7 @@ constexpr std::array<ActionKind, 11> kKinds{{
        auto [field, bytes] = FieldAndBytes(value, place);
        return SendPayload{std::move(field), std::move(bytes)};
      }},
+    {"repeat", [](const json& value, const Place& place) -> Action { return ParseRepetition(value, place); }},
     {"message",
      [](const json& value, const Place& place) -> Action {
        auto [field, bytes] = FieldAndBytes(value, place);

@@ -67,6 +67,13 @@ struct SendPayload {
   std::string field;
   Bytes payload;
 };
+/// {"repeat": {"valueIndications": {"record": {"type": …}, "counter": "currentValue", "times": 10000, "perSecond": 10000}}}: notifications
+/// of this one record, in which the member "counter" counts from 1 to "times". The event "repeated" tells the end.
+struct RepeatNotification {
+  std::string field;
+  std::vector<Bytes> payloads;
+  std::chrono::nanoseconds gap{};
+};
 /// {"message": {"views": "…"}}: bytes that stand for a whole message, to the field's subscribers over the field's protocol.
 struct SendMessage {
   std::string field;
@@ -78,7 +85,7 @@ struct SendDiscovery {
 };
 
 using Action = std::variant<SetValues, SetFaults, OfferServices, StopOfferServices, BreakTcp, Crash, Restart, Quit, SendPayload,
-                            SendMessage, SendDiscovery>;
+                            RepeatNotification, SendMessage, SendDiscovery>;
 
 /// An action from an object with exactly one member. Throws BadInput.
 Action ParseAction(const nlohmann::json& object, const Place& place);

@@ -48,6 +48,9 @@ void Service_port::send_due() {
   if (!offer_) return;
   std::vector<wire::Sd_entry> entries;
   for (const auto field : subscriptions_.take_due([this](std::uint16_t f) { return can_subscribe(f); })) {
+    // A service that was silent for a while but still holds the subscription would take a new one for its renewal, and not tell the value
+    // that was missed. Over TCP the new connection makes it another subscription anyway.
+    if (subscriptions_.take_left(field) && !service_.fields[field].reliable) entries.push_back(subscribe_entry(field, 0));
     entries.push_back(subscribe_entry(field, environment_.deployment.discovery.subscribe_ttl));
   }
   if (!entries.empty()) environment_.discovery.send_to(offer_->peer, std::move(entries));
@@ -76,7 +79,7 @@ void Service_port::wait_renewal() {
   renewal_.expires_after(std::chrono::milliseconds{500} * ttl);
   renewal_.async_wait([this](boost::system::error_code error) {
     if (error || !offer_) return;
-    for (std::uint16_t field = 0; field < service_.fields.size(); ++field) {
+    for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(service_.fields.size()); ++field) {
       if (subscriptions_.is_wanted(field) && !sinks_.any(field)) end_subscription(field);  // its sink went without a word
     }
     subscriptions_.renew();

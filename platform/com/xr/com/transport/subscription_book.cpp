@@ -33,6 +33,7 @@ void Subscription_book::drop(const Predicate& concerned) {
   for_wanted([&](std::uint16_t field, Field& entry) {
     if (!concerned(field)) return;
     entry.due = entry.refused = false;
+    entry.left = entry.left || entry.state != State::not_subscribed;
     set_state(field, State::not_subscribed);
   });
 }
@@ -78,7 +79,7 @@ void Subscription_book::set_state(std::uint16_t field, State state) {
 
 template <class Action>
 void Subscription_book::for_wanted(Action action) {
-  for (std::uint16_t field = 0; field < fields_.size(); ++field) {
+  for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(fields_.size()); ++field) {
     if (fields_[field].wanted) action(field, fields_[field]);
   }
 }

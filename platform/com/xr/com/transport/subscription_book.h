@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "xr/com/client_port.h"
@@ -42,6 +43,9 @@ class Subscription_book {
   /// The fields to be subscribed now, of those that can be; they are no longer due then.
   std::vector<std::uint16_t> take_due(const Predicate& possible);
 
+  /// Whether the service may still hold the subscription from before a loss that only this side has seen. Told once.
+  bool take_left(std::uint16_t field) { return std::exchange(fields_[field].left, false); }
+
   bool is_wanted(std::uint16_t field) const { return fields_[field].wanted; }
 
  private:
@@ -49,6 +53,7 @@ class Subscription_book {
     bool wanted = false;
     bool due = false;
     bool refused = false;
+    bool left = false;
     State state = State::not_subscribed;
   };
 

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "tests/support/mirror.h"
+#include "tests/system/numbered_values.h"
+#include "tests/system/system_test.h"
+
+#include <algorithm>
+#include <fstream>
+#include <vector>
+
+namespace system_test {
+
+/// Vehicles with numbered values, which clients follow by GET and by subscription.
+class NumberedTest : public SystemTest {
+ protected:
+  /// A scenario file with the values of this number.
+  std::string WriteScenario(unsigned number, const std::string& name = "vehicle") {
+    const auto path = (root_.Path() / (name + ".json")).string();
+    std::ofstream{path} << NumberedScenario(number);
+    return path;
+  }
+
+  void StartBridge() {
+    bridge_.Start();
+    mirror_.emplace(bridge_.Ws());
+    for (const char* service : {"/ChargingManagementCore", "/FactoryReset"}) mirror_->Subscribe(service);
+  }
+
+  /// The fields whose value of this number does not reach clients on both ways until the deadline; with a deadline of 0, now.
+  std::vector<std::string> Unseen(unsigned number, std::chrono::milliseconds deadline) {
+    auto unseen = NumberedValues(number);
+    WaitFor(
+        [&] {
+          mirror_->CatchUp();
+          std::erase_if(unseen, [this](const NumberedValue& value) {
+            if (!IsMirrored(value) || !IsAnswered(value)) return false;
+            lastSeen_ = value.field;
+            return true;
+          });
+          return unseen.empty();
+        },
+        deadline);
+    std::vector<std::string> names;
+    for (const auto& value : unseen) names.push_back(value.field);
+    return names;
+  }
+
+  std::optional<test_support::Mirror> mirror_;
+  std::string lastSeen_;  // the field for which Unseen has waited longest
+
+ private:
+  static bool Shows(const json& element, const NumberedValue& value) {
+    return element.value("type", "") == value.type && Has(element, value.members);
+  }
+  bool IsMirrored(const NumberedValue& value) const {
+    const auto& all = mirror_->Elements();
+    return std::any_of(all.begin(), all.end(),
+                       [&](const auto& entry) { return entry.first.starts_with(value.resource + "/") && Shows(entry.second, value); });
+  }
+  bool IsAnswered(const NumberedValue& value) {
+    const auto elements = Http().Get(value.resource).Json();
+    return std::any_of(elements.begin(), elements.end(), [&](const json& element) { return Shows(element, value); });
+  }
+};
+
+}  // namespace system_test
