@@ -17,7 +17,7 @@ TEST(Deployment, DefaultFollowsTheRuleOfIds) {
   const auto deployment = default_deployment();
   ASSERT_EQ(deployment.services.size(), 2U);
   for (const auto& service : deployment.services) {
-    for (std::uint16_t i = 0; i < service.fields.size(); ++i) {
+    for (std::size_t i = 0; i < service.fields.size(); ++i) {
       const auto& field = service.fields[i];
       EXPECT_EQ(field.event, 0x8010 + i) << field.name;
       EXPECT_EQ(field.eventgroup, 0x0010 + i) << field.name;

@@ -85,7 +85,7 @@ TEST(Datagram, HoldsSeveralMessagesAndNothingBehindABrokenOne) {
 TEST(Stream, GivesTheSameMessagesWhereverItIsCut) {
   Buffer bytes;
   for (std::uint16_t i = 1; i <= 5; ++i) {
-    const auto message = encode_message({.method = i}, Buffer(i * 7U, static_cast<unsigned char>(i)));
+    const auto message = encode_message({.method = i}, Buffer(std::size_t{i} * 7, static_cast<unsigned char>(i)));
     bytes.insert(bytes.end(), message.begin(), message.end());
   }
   for (std::size_t piece = 1; piece <= bytes.size(); ++piece) {

@@ -38,7 +38,7 @@ std::string FreeTcpPort() {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   socklen_t size = sizeof address;
-  ::bind(probe, reinterpret_cast<sockaddr*>(&address), size);
+  (void)::bind(probe, reinterpret_cast<sockaddr*>(&address), size);
   ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
   ::close(probe);
   return std::to_string(ntohs(address.sin_port));

@@ -16,7 +16,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 using trov::Opt;
 using trov::Word;
 using trov::Words;
