@@ -3,6 +3,7 @@
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED COMPONENTS url)
 find_package(nlohmann_json 3.11 REQUIRED)
+find_package(OpenSSL 3 REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(DLT REQUIRED IMPORTED_TARGET automotive-dlt)
 # Debian's own, since another python3 on the path does not see Debian's modules.

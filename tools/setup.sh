@@ -5,7 +5,7 @@ fail() {
   exit 1
 }
 
-PACKAGES=(g++ cmake ninja-build pkg-config ccache curl libboost1.81-dev libboost-url1.81-dev nlohmann-json3-dev libdlt-dev dlt-daemon dlt-tools
+PACKAGES=(g++ cmake ninja-build pkg-config ccache curl libboost1.81-dev libboost-url1.81-dev libssl-dev nlohmann-json3-dev libdlt-dev dlt-daemon dlt-tools
   python3 python3-jinja2 python3-jsonschema python3-websockets libgtest-dev libgmock-dev libbenchmark-dev)
 
 install_packages() {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -17,6 +16,7 @@
 #include <boost/url/parse.hpp>
 #include <nlohmann/json.hpp>
 
+#include "serve/staging.h"
 #include "serve/text.h"
 
 namespace zuva::serve {
@@ -143,8 +143,62 @@ RegistryAddress ReadRegistry(const std::string& key, const json& value) {
   return *address;
 }
 
-void RefuseUnbuilt(const std::string& key, const json&) {
-  Refuse(key, "is not supported yet");
+std::string ReadPath(const std::string& key, const json& value) {
+  auto path = Text(key, value);
+  if (!path.starts_with('/')) Refuse(key, "must be an absolute path");
+  return path;
+}
+
+TlsFiles ReadTls(const std::string& key, const json& value) {
+  TlsFiles files;
+  ReadObject(key, value,
+             {{"certificate", [&](const std::string& k, const json& v) { files.certificate = ReadPath(k, v); }},
+              {"key", [&](const std::string& k, const json& v) { files.key = ReadPath(k, v); }}});
+  if (files.certificate.empty()) Refuse(key + ".certificate", "is missing");
+  if (files.key.empty()) Refuse(key + ".key", "is missing");
+  return files;
+}
+
+/// A token as a client can send it (RFC 6750 section 2.1).
+std::string ReadTokenText(const std::string& key, const json& value) {
+  constexpr std::string_view kCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~+/";
+  auto text = Text(key, value);
+  const auto end = text.find_first_not_of(kCharacters);
+  if (end == 0 || (end != std::string::npos && text.find_first_not_of('=', end) != std::string::npos)) {
+    Refuse(key, "must consist of letters, digits and -._~+/, with = at its end only");
+  }
+  return text;
+}
+
+Token ReadToken(const std::string& key, const json& value) {
+  Token token;
+  ReadObject(key, value,
+             {{"token", [&](const std::string& k, const json& v) { token.text = ReadTokenText(k, v); }},
+              {"write", [&](const std::string& k, const json& v) {
+                 if (!v.is_boolean()) Refuse(k, "must be true or false");
+                 token.write = v.get<bool>();
+               }}});
+  if (token.text.empty()) Refuse(key + ".token", "is missing");
+  return token;
+}
+
+void ReadTokens(std::vector<Token>& tokens, const std::string& key, const json& value) {
+  ReadArray(key, value, [&](const std::string& k, const json& v) {
+    auto token = ReadToken(k, v);
+    if (std::any_of(tokens.begin(), tokens.end(), [&](const Token& t) { return t.text == token.text; })) Refuse(k, "is given twice");
+    tokens.push_back(std::move(token));
+  });
+  if (tokens.empty()) Refuse(key, "must not be empty");
+}
+
+/// A token that everybody on the way can read guards nothing.
+void RefuseOpenTokens(const Config& config) {
+  if (config.tokens.empty() || config.tls) return;
+  for (const auto& listen : config.listen) {
+    if (!boost::asio::ip::make_address(listen.address).is_loopback()) {
+      Refuse("tokens", "need tls, since " + listen.address + " is not a loopback address");
+    }
+  }
 }
 
 /// Parses and refuses repeated keys, which the parser itself lets pass.
@@ -184,17 +238,17 @@ Config ParseConfig(std::string_view text) {
               {"limits", [&](const std::string& key, const json& value) { config.limits = ReadLimits(key, value); }},
               {"allowedOrigins", allowed(config.allowedOrigins, ReadOrigin)},
               {"allowedHosts", allowed(config.allowedHosts, [](const std::string& k, const json& v) { return LowerCase(Text(k, v)); })},
-              {"tls", RefuseUnbuilt},
-              {"tokens", RefuseUnbuilt},
+              {"tls", [&](const std::string& key, const json& value) { config.tls = ReadTls(key, value); }},
+              {"tokens", [&](const std::string& key, const json& value) { ReadTokens(config.tokens, key, value); }},
               {"registry", [&](const std::string& key, const json& value) { config.registry = ReadRegistry(key, value); }},
-              {"documentRoot", RefuseUnbuilt}});
+              {"documentRoot", [&](const std::string& key, const json& value) { config.documentRoot = ReadPath(key, value); }}});
   if (config.listen.empty()) Refuse("listen", "is missing");
+  RefuseOpenTokens(config);
   return config;
 }
 
 Config ReadConfig(const std::string& path) {
-  const char* root = std::getenv("ARA_ROOT");
-  const std::string place = (root == nullptr ? std::string{} : std::string{root}) + path;
+  const std::string place = Staged(path);
   std::error_code error;
   const bool regular = std::filesystem::is_regular_file(place, error);  // a pipe, say, would block the start
   if (error) throw ConfigError{"cannot be opened: " + error.message()};

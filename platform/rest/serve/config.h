@@ -24,6 +24,18 @@ struct RegistryAddress {
   std::string path;  ///< without a slash at its end; may be empty
 };
 
+/// Where the server's certificate, with those that lead to its root, and the key are, in PEM.
+struct TlsFiles {
+  std::string certificate;
+  std::string key;
+};
+
+/// What a client shows to be let in; with `write` it may write as well.
+struct Token {
+  std::string text;
+  bool write = false;
+};
+
 /// What one server and one client may cost. Sizes in bytes, times in whole seconds.
 struct Limits {
   std::size_t connections = 1024;
@@ -44,6 +56,9 @@ struct Config {
   std::vector<std::string> allowedOrigins;  ///< in lower case, as `scheme://host[:port]`
   std::optional<RegistryAddress> registry;
   std::vector<std::string> allowedHosts;  ///< in lower case, without port; `*` allows all
+  std::optional<TlsFiles> tls;            ///< for all listeners
+  std::vector<Token> tokens;              ///< none: everybody may read and write
+  std::optional<std::string> documentRoot;
 };
 
 /// A configuration that cannot be used; the text names the key at fault and what is wrong with it.

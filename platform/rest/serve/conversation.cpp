@@ -60,6 +60,7 @@ bool Conversation::Set(Message message, const Echo& echo) {
     Answer(ErrorAnswer(echo, code, reason));
     return true;
   };
+  if (rights_ != Rights::kWrite) return refuse(403, kReadOnly);
   const auto target = ParseTarget(message.path);
   if (!target) return refuse(400, kBadPath);
   auto destination = hub_.tree.FindOnIo(target->path);

@@ -10,6 +10,7 @@
 #include "serve/message.h"
 #include "serve/outbox.h"
 #include "serve/subscription.h"
+#include "serve/tokens.h"
 #include "zuva/server_reply.h"
 
 namespace zuva::serve {
@@ -30,7 +31,7 @@ class Conversation {
     virtual void OnAnswered() = 0;
   };
 
-  Conversation(Hub& hub, Socket& socket) : hub_{hub}, socket_{socket} {}
+  Conversation(Hub& hub, Socket& socket, Rights rights) : hub_{hub}, socket_{socket}, rights_{rights} {}
   ~Conversation() { EndSubscriptions(); }
   Conversation(const Conversation&) = delete;
   Conversation& operator=(const Conversation&) = delete;
@@ -51,6 +52,7 @@ class Conversation {
 
   Hub& hub_;
   Socket& socket_;
+  const Rights rights_;
   std::uint64_t lastId_ = 0;
   std::unordered_map<std::string, std::unique_ptr<Subscription>> subscriptions_;  // by id
 };

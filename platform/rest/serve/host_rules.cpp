@@ -13,7 +13,7 @@ namespace ip = boost::asio::ip;
 /// host[:port] taken apart; the host of a literal IPv6 address without its brackets.
 struct Authority {
   std::string host;
-  std::string_view port = "80";  // what `http` stands for
+  std::string_view port;  // may be empty
 };
 
 std::optional<Authority> Split(std::string_view text) {
@@ -46,7 +46,11 @@ ip::address Plain(const ip::address& address) {
 
 }  // namespace
 
-HostRules::HostRules(const Config& config) : origins_{config.allowedOrigins}, hosts_{config.allowedHosts} {
+HostRules::HostRules(const Config& config)
+    : origins_{config.allowedOrigins},
+      hosts_{config.allowedHosts},
+      scheme_{config.tls ? "https://" : "http://"},
+      defaultPort_{config.tls ? "443" : "80"} {
   for (const auto& listen : config.listen) addresses_.push_back(ip::make_address(listen.address));
   allHosts_ = std::find(hosts_.begin(), hosts_.end(), "*") != hosts_.end();
 }
@@ -66,12 +70,12 @@ bool HostRules::IsListed(std::string_view origin) const {
   return std::any_of(origins_.begin(), origins_.end(), [&](const std::string& listed) { return EqualsIgnoringCase(origin, listed); });
 }
 
-bool HostRules::IsSameOrigin(std::string_view origin, std::string_view host) {
-  constexpr std::string_view kScheme = "http://";
-  if (!EqualsIgnoringCase(origin.substr(0, kScheme.size()), kScheme)) return false;
-  const auto page = Split(origin.substr(kScheme.size()));
+bool HostRules::IsSameOrigin(std::string_view origin, std::string_view host) const {
+  if (!EqualsIgnoringCase(origin.substr(0, scheme_.size()), scheme_)) return false;
+  const auto page = Split(origin.substr(scheme_.size()));
   const auto server = Split(host);
-  return page && server && page->host == server->host && page->port == server->port;
+  const auto portOf = [this](const Authority& authority) { return authority.port.empty() ? defaultPort_ : authority.port; };
+  return page && server && page->host == server->host && portOf(*page) == portOf(*server);
 }
 
 }  // namespace zuva::serve

@@ -26,12 +26,14 @@ class HostRules {
   bool HasListedOrigins() const { return !origins_.empty(); }
 
  private:
-  static bool IsSameOrigin(std::string_view origin, std::string_view host);
+  bool IsSameOrigin(std::string_view origin, std::string_view host) const;
 
   std::vector<std::string> origins_;
   std::vector<std::string> hosts_;
   std::vector<boost::asio::ip::address> addresses_;
   bool allHosts_ = false;
+  std::string_view scheme_;       // with its colon and slashes
+  std::string_view defaultPort_;  // what the scheme stands for
 };
 
 }  // namespace zuva::serve

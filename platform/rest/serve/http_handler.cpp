@@ -1,5 +1,7 @@
 #include "serve/http_handler.h"
 
+#include <memory>
+#include <optional>
 #include <utility>
 
 #include "serve/hub.h"
@@ -21,10 +23,12 @@ Verdict Problem(unsigned code, std::string_view detail, std::string_view fields 
 
 /// The origin form of a target, which may have come in absolute form (RFC 9112 section 3.2.2).
 std::string_view OriginForm(std::string_view target) {
-  constexpr std::string_view kScheme = "http://";
-  if (!EqualsIgnoringCase(target.substr(0, kScheme.size()), kScheme)) return target;
-  const auto path = target.find_first_of("/?", kScheme.size());
-  return path == std::string_view::npos ? std::string_view{"/"} : target.substr(path);
+  for (const std::string_view scheme : {"http://", "https://"}) {
+    if (!EqualsIgnoringCase(target.substr(0, scheme.size()), scheme)) continue;
+    const auto path = target.find_first_of("/?", scheme.size());
+    return path == std::string_view::npos ? std::string_view{"/"} : target.substr(path);
+  }
+  return target;
 }
 
 Method TreeMethod(HttpMethod method) {
@@ -44,16 +48,29 @@ Method TreeMethod(HttpMethod method) {
   }
 }
 
+/// A page's browser asks whether the page may write. It shows no token when it asks.
+bool IsPreflight(const Hub& hub, const HttpRequest& request) {
+  return request.method == HttpMethod::kOptions && !request.requestedMethod.empty() && hub.rules.AllowsOrigin(request.origin, request.host);
+}
+
+/// The file that a path stands for, if no service owns the path.
+std::shared_ptr<const Rendered> FindDocument(const Hub& hub, std::string_view path) {
+  if (!hub.documents) return nullptr;
+  const auto first = path.substr(0, path.find('/', 1));
+  return hub.tree.FindOnIo(first) ? nullptr : hub.documents->Find(path);
+}
+
 Verdict JudgeOptions(Hub& hub, const HttpRequest& request, std::string_view path) {
   std::string_view allow = XObjectEndpoint::kWritable;
   if (path != "*") {
     const auto destination = hub.tree.FindOnIo(path);
-    if (!destination) return Problem(404, "Not Found");
-    allow = destination.endpoint->AllowedMethods();
+    if (!destination && !FindDocument(hub, path)) return Problem(404, "Not Found");
+    allow = destination ? destination.endpoint->AllowedMethods() : XObjectEndpoint::kReadOnly;
   }
   std::string fields = "Allow: " + std::string{allow} + "\r\n";
-  if (!request.requestedMethod.empty() && hub.rules.AllowsOrigin(request.origin, request.host)) {
-    fields += "Access-Control-Allow-Methods: POST\r\nAccess-Control-Allow-Headers: content-type\r\n";
+  if (IsPreflight(hub, request)) {
+    fields += "Access-Control-Allow-Methods: POST\r\nAccess-Control-Allow-Headers: content-type";
+    fields += hub.tokens.AreNeeded() ? ", authorization\r\n" : "\r\n";
   }
   return Answer(EmptyResponse(fields));
 }
@@ -69,10 +86,12 @@ Verdict JudgeUpgrade(Hub& hub, const HttpRequest& request) {
   return verdict;
 }
 
-Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view path) {
+Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view path, Rights rights) {
   if (!request.origin.empty() && !hub.rules.AllowsOrigin(request.origin, request.host)) return Problem(403, "Foreign origin");
+  if (rights != Rights::kWrite) return Problem(403, kReadOnly);
   Verdict verdict;
   verdict.destination = hub.tree.FindOnIo(path);
+  if (!verdict.destination && FindDocument(hub, path)) return Problem(405, "Method Not Allowed", "Allow: GET, HEAD\r\n");
   if (!verdict.destination) return Problem(404, "Not Found");
   if (!TakesPost(verdict.destination)) {
     ServerReply reply;
@@ -88,6 +107,22 @@ Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view path) 
   return verdict;
 }
 
+bool IsReading(const HttpRequest& request) {
+  return request.method == HttpMethod::kGet || request.method == HttpMethod::kHead;
+}
+
+/// The answer from the folder of documents, where the tree has none or a person asks for the list of services.
+std::optional<Verdict> DocumentFor(Hub& hub, const HttpRequest& request, std::string_view path, bool inTree) {
+  if (!hub.documents) return std::nullopt;
+  const bool wantsPage = path == "/" && IsReading(request) && Documents::PrefersHtml(request.accept);
+  if (inTree && !wantsPage) return std::nullopt;
+  auto document = wantsPage ? hub.documents->Find("/index.html") : FindDocument(hub, path);
+  if (!document) return std::nullopt;
+  if (!IsReading(request)) return Problem(405, "Method Not Allowed", "Allow: GET, HEAD\r\n");
+  if (!request.ifNoneMatch.empty() && MatchesEtag(request.ifNoneMatch, document->etag)) return Answer(UnchangedResponse(*document));
+  return Answer(DocumentResponse(std::move(document)));
+}
+
 }  // namespace
 
 Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::address& local, std::string& knownHost) {
@@ -96,15 +131,23 @@ Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::addre
     if (!hub.rules.AllowsHost(request.host, local)) return Problem(421, "This server does not go by that name");
     knownHost = request.host;
   }
+  const auto rights = hub.tokens.RightsOf(request);
+  if (rights == Rights::kNone && !IsPreflight(hub, request))
+    return Problem(401, "A bearer token is needed", "WWW-Authenticate: Bearer\r\n");
   auto target = ParseTarget(OriginForm(request.target));
   if (!target) return Problem(400, "Malformed request target");
   if (target->path.empty()) target->path = "/";  // "http://host?query"
   if (request.method == HttpMethod::kOptions) return JudgeOptions(hub, request, target->path);
-  if (request.method == HttpMethod::kPost) return JudgeWrite(hub, request, target->path);
+  if (request.method == HttpMethod::kPost) return JudgeWrite(hub, request, target->path, rights);
 
   const auto destination = hub.tree.FindOnIo(target->path);
   const bool takesSockets = destination && !destination.resource;
-  if (request.upgrade && request.method == HttpMethod::kGet && takesSockets) return JudgeUpgrade(hub, request);
+  if (request.upgrade && request.method == HttpMethod::kGet && takesSockets) {
+    auto verdict = JudgeUpgrade(hub, request);
+    verdict.rights = rights;
+    return verdict;
+  }
+  if (auto document = DocumentFor(hub, request, target->path, bool{destination})) return std::move(*document);
   Request treeRequest;
   treeRequest.method = TreeMethod(request.method);
   treeRequest.path = target->path;

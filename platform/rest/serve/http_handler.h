@@ -8,6 +8,7 @@
 
 #include "serve/http_request.h"
 #include "serve/response.h"
+#include "serve/tokens.h"
 #include "zuva/server.h"
 
 namespace zuva::serve {
@@ -26,10 +27,11 @@ struct Verdict {
   Response response;
   Server::Destination destination;  ///< of kWrite
   std::string_view path;            ///< of kWrite: a part of the request's target
+  Rights rights = Rights::kNone;    ///< of kUpgrade: what the socket's messages may do
 };
 
-/// Checks a whole request, and answers it unless it is a write or an upgrade. `knownHost` is the connection's latest good `Host`, so that
-/// a kept connection is asked once. I/O thread only.
+/// Checks a whole request against the rules on hosts, origins and tokens, and answers it unless it is a write or an upgrade. `knownHost` is
+/// the connection's latest good `Host`, so that a kept connection is asked once. I/O thread only.
 Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::address& local, std::string& knownHost);
 
 /// The answer to a write; without a reply it was refused unrun.

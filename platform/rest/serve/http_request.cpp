@@ -7,7 +7,8 @@ void HttpRequest::Clear() {
   keepAlive = upgrade = expectsContinue = false;
   version = 11;
   hostCount = 0;
-  for (auto* text : {&target, &host, &origin, &contentType, &ifNoneMatch, &requestedMethod, &webSocketKey, &webSocketVersion, &body})
+  for (auto* text : {&target, &host, &origin, &contentType, &ifNoneMatch, &requestedMethod, &webSocketKey, &webSocketVersion,
+                     &webSocketProtocols, &authorization, &accept, &body})
     text->clear();
 }
 

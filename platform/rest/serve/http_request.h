@@ -24,6 +24,9 @@ struct HttpRequest {
   std::string requestedMethod;  ///< of a CORS preflight
   std::string webSocketKey;
   std::string webSocketVersion;
+  std::string webSocketProtocols;
+  std::string authorization;
+  std::string accept;
   std::string body;
 
   void Clear();

@@ -27,20 +27,33 @@ asio::ip::address LocalAddress(const asio::ip::tcp::socket& socket) {
 
 }  // namespace
 
-HttpSession::HttpSession(Hub& hub, asio::ip::tcp::socket socket)
+HttpSession::HttpSession(Hub& hub, ClientStream stream)
     : hub_{hub},
-      socket_{std::move(socket)},
-      local_{LocalAddress(socket_)},
+      stream_{std::move(stream)},
+      local_{LocalAddress(stream_.Socket())},
       reader_{hub.config.limits.headerBytes, hub.config.limits.bodyBytes},
       input_(kFirstRoom) {
   boost::system::error_code ignored;  // a socket that is broken already says so at the first read
-  socket_.non_blocking(true, ignored);
-  socket_.set_option(asio::ip::tcp::no_delay{true}, ignored);
-  Enter(State::kIdle);
+  stream_.Socket().non_blocking(true, ignored);
+  stream_.Socket().set_option(asio::ip::tcp::no_delay{true}, ignored);
+  Enter(stream_.IsSecure() ? State::kShakingHands : State::kIdle);
 }
 
 void HttpSession::Start() {
-  Read();
+  if (stream_.IsSecure()) {
+    ShakeHands();
+  } else {
+    Read();
+  }
+}
+
+void HttpSession::ShakeHands() {
+  stream_.AsyncHandshake([self = shared_from_this()](const boost::system::error_code& error) {
+    if (self->state_ == State::kEnded) return;
+    if (error) return self->Abort();
+    self->Enter(State::kIdle);
+    self->Read();
+  });
 }
 
 void HttpSession::Enter(State state) {
@@ -56,7 +69,11 @@ void HttpSession::Sweep(Clock::time_point now) {
     case State::kWriting:
       if (waited > std::chrono::seconds{limits.idleSeconds}) Abort();
       break;
+    case State::kShakingHands:
+      if (waited > std::chrono::seconds{limits.requestSeconds}) Abort();
+      break;
     case State::kReading:
+      if (waited > std::chrono::seconds{limits.requestSeconds} && continuing_) return Abort();
       if (waited > std::chrono::seconds{limits.requestSeconds}) SendLast(ProblemResponse(408, "The request took too long"));
       break;
     case State::kDraining:
@@ -70,14 +87,14 @@ void HttpSession::Sweep(Clock::time_point now) {
 
 void HttpSession::Stop() {
   last_ = true;
-  if (state_ == State::kIdle || state_ == State::kReading) Abort();
+  if (state_ == State::kShakingHands || state_ == State::kIdle || state_ == State::kReading) Abort();
 }
 
 void HttpSession::Abort() {
   if (state_ == State::kEnded) return;
   Enter(State::kEnded);
   boost::system::error_code ignored;  // there is nothing left to do for a socket that does not close
-  socket_.close(ignored);
+  stream_.Socket().close(ignored);
   hub_.connections.Remove(this);
 }
 
@@ -88,9 +105,13 @@ std::optional<Clock::time_point> HttpSession::IdleSince() const {
 
 void HttpSession::Read() {
   reading_ = true;
-  socket_.async_read_some(
-      asio::buffer(input_.data() + end_, input_.size() - end_),
-      [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) { self->OnRead(error, bytes); });
+  const auto room = asio::buffer(input_.data() + end_, input_.size() - end_);
+  auto handler = [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) { self->OnRead(error, bytes); };
+  if (state_ == State::kDraining) {  // over what lies below TLS, which has ended
+    stream_.Socket().async_read_some(room, std::move(handler));
+  } else {
+    stream_.async_read_some(room, std::move(handler));
+  }
 }
 
 void HttpSession::OnRead(const boost::system::error_code& error, std::size_t bytes) {
@@ -115,12 +136,10 @@ void HttpSession::Proceed() {
         if (Handle() == Progress::kLater) return;
         continue;
       case ReadState::kHead:
-        if (reader_.Request().expectsContinue) SendContinue();
-        [[fallthrough]];
+        if (reader_.Request().expectsContinue) return SendContinue();
+        return ReadMore();
       case ReadState::kNeedsMore:
-        if (reader_.HasBegun() && state_ == State::kIdle) Enter(State::kReading);
-        if (!MakeRoom()) return SendLast(ProblemResponse(400, "Malformed request"));
-        return Read();
+        return ReadMore();
       case ReadState::kMalformed:
         return SendLast(ProblemResponse(400, "Malformed request"));
       case ReadState::kHeadTooLarge:
@@ -129,6 +148,12 @@ void HttpSession::Proceed() {
         return SendLast(ProblemResponse(413, "The body of the request is too large"));
     }
   }
+}
+
+void HttpSession::ReadMore() {
+  if (reader_.HasBegun() && state_ == State::kIdle) Enter(State::kReading);
+  if (!MakeRoom()) return SendLast(ProblemResponse(400, "Malformed request"));
+  Read();
 }
 
 /// What the parser has not taken must stay in one piece, so the room grows with the longest head. False if even that is not enough.
@@ -154,7 +179,7 @@ HttpSession::Progress HttpSession::Handle() {
       if (begin_ != end_) {  // nothing may follow before the upgrade is answered
         SendLast(ProblemResponse(400, "Bytes behind the upgrade"));
       } else {
-        Upgrade();
+        Upgrade(verdict.rights);
       }
       return Progress::kLater;
     case Verdict::Kind::kAnswer:
@@ -167,7 +192,7 @@ HttpSession::Progress HttpSession::HandleWrite(Verdict verdict) {
   const void* const resource = verdict.destination.resource.get();
   auto write = std::make_shared<TreeWrite>(
       std::move(verdict.destination), std::string{verdict.path}, reader_.TakeBody(),
-      [this] { return state_ == State::kHandling && !HasLeft(socket_); },
+      [this] { return state_ == State::kHandling && !HasLeft(stream_.Socket()); },
       [self = shared_from_this()](const ServerReply* reply) { self->OnWritten(reply); });
   Enter(State::kHandling);
   if (hub_.posts.Submit(resource, std::move(write))) return Progress::kLater;
@@ -179,11 +204,11 @@ void HttpSession::OnWritten(const ServerReply* reply) {
   if (Send(WriteResponse(reply)) == Progress::kNext) Proceed();
 }
 
-void HttpSession::Upgrade() {
+void HttpSession::Upgrade(Rights rights) {
   Enter(State::kEnded);
   const auto self = shared_from_this();  // kept by nobody else from here on
   hub_.connections.Remove(this);
-  AcceptWebSocket(hub_, std::move(socket_), reader_.Request());
+  AcceptWebSocket(hub_, std::move(stream_), reader_.Request(), rights);
 }
 
 HttpSession::Progress HttpSession::Send(Response response) {
@@ -193,7 +218,7 @@ HttpSession::Progress HttpSession::Send(Response response) {
   const auto& date = hub_.date.Get();
   const auto buffers = ToSend(date);
   boost::system::error_code error;
-  const auto sent = socket_.write_some(buffers, error);  // asio sends with MSG_NOSIGNAL
+  const auto sent = stream_.TryWrite(buffers, error);
   if (error && error != asio::error::would_block) {
     Abort();
     return Progress::kLater;
@@ -208,8 +233,15 @@ void HttpSession::SendLast(Response response) {
 }
 
 void HttpSession::SendContinue() {
-  boost::system::error_code ignored;  // a client that does not hear this sends its body after a while
-  socket_.write_some(asio::buffer("HTTP/1.1 100 Continue\r\n\r\n", 25), ignored);
+  constexpr std::string_view kLine = "HTTP/1.1 100 Continue\r\n\r\n";
+  if (state_ == State::kIdle) Enter(State::kReading);
+  continuing_ = true;
+  asio::async_write(stream_, asio::buffer(kLine), [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
+    self->continuing_ = false;
+    if (self->state_ == State::kEnded) return;
+    if (error) return self->Abort();
+    self->ReadMore();
+  });
 }
 
 HttpSession::Progress HttpSession::SendRest(std::size_t sent, const std::string& date) {
@@ -221,7 +253,7 @@ HttpSession::Progress HttpSession::SendRest(std::size_t sent, const std::string&
     buffer += skipped;
     sent -= skipped;
   }
-  asio::async_write(socket_, rest, [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
+  asio::async_write(stream_, rest, [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
     if (self->state_ == State::kEnded) return;
     if (error) return self->Abort();
     if (self->AfterSend() == Progress::kNext) self->Proceed();
@@ -248,6 +280,7 @@ void HttpSession::AddFields() {
   } else if (request.version < 11) {
     fields_ += "Connection: keep-alive\r\n";
   }
+  if (hub_.documents) fields_ += "Vary: Accept\r\n";
   if (!hub_.rules.HasListedOrigins()) return;
   fields_ += "Vary: Origin\r\n";
   if (hub_.rules.IsListed(request.origin)) fields_.append("Access-Control-Allow-Origin: ").append(request.origin).append("\r\n");
@@ -263,8 +296,15 @@ HttpSession::Buffers HttpSession::ToSend(const std::string& date) const {
 /// Says that no more comes, and waits for the client to say the same: closing with its bytes unread would cut off the answer.
 void HttpSession::Drain() {
   Enter(State::kDraining);
+  if (!stream_.IsSecure() || reading_) return EndSending();                             // TLS, too, reads one thing at a time
+  stream_.AsyncGoodbye([self = shared_from_this()](const boost::system::error_code&) {  // what comes behind it may be anything
+    if (self->state_ != State::kEnded) self->EndSending();
+  });
+}
+
+void HttpSession::EndSending() {
   boost::system::error_code error;
-  socket_.shutdown(asio::ip::tcp::socket::shutdown_send, error);
+  stream_.Socket().shutdown(asio::ip::tcp::socket::shutdown_send, error);
   if (error) return Abort();
   begin_ = end_ = 0;
   if (!reading_) Read();

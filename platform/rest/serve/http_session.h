@@ -9,8 +9,8 @@
 #include <vector>
 
 #include <boost/asio/buffer.hpp>
-#include <boost/asio/ip/tcp.hpp>
 
+#include "serve/client_stream.h"
 #include "serve/connection.h"
 #include "serve/http_handler.h"
 #include "serve/request_reader.h"
@@ -25,7 +25,7 @@ struct Hub;
 /// Where the socket takes an answer at once nothing is queued and nothing copied: head, date line and body go out as they are.
 class HttpSession final : public Connection, public std::enable_shared_from_this<HttpSession> {
  public:
-  HttpSession(Hub& hub, boost::asio::ip::tcp::socket socket);
+  HttpSession(Hub& hub, ClientStream stream);
 
   void Start();
   void Sweep(Clock::time_point now) override;
@@ -37,11 +37,12 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
  private:
   /// What the session waits for, since `since_`.
   enum class State : std::uint8_t {
-    kIdle,      ///< the first byte of a request
-    kReading,   ///< the rest of it
-    kHandling,  ///< a request thread
-    kWriting,   ///< the client to take an answer
-    kDraining,  ///< the client to close, after the last answer
+    kShakingHands,  ///< TLS
+    kIdle,          ///< the first byte of a request
+    kReading,       ///< the rest of it
+    kHandling,      ///< a request thread
+    kWriting,       ///< the client to take an answer
+    kDraining,      ///< the client to close, after the last answer
     kEnded
   };
   /// Whether the next request may be looked at, or something goes on that will call back.
@@ -49,6 +50,7 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   using Buffers = std::array<boost::asio::const_buffer, 4>;
 
   void Enter(State state);
+  void ShakeHands();
   void Read();
   void OnRead(const boost::system::error_code& error, std::size_t bytes);
   void Proceed();
@@ -56,25 +58,28 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   Progress Handle();
   Progress HandleWrite(Verdict verdict);
   void OnWritten(const ServerReply* reply);
-  void Upgrade();
+  void Upgrade(Rights rights);
 
   Progress Send(Response response);
   void SendLast(Response response);
   void SendContinue();
+  void ReadMore();
   Progress SendRest(std::size_t sent, const std::string& date);
   Progress AfterSend();
   void AddFields();
   Buffers ToSend(const std::string& date) const;
   void Drain();
+  void EndSending();
 
   Hub& hub_;
-  boost::asio::ip::tcp::socket socket_;
+  ClientStream stream_;
   const boost::asio::ip::address local_;
   RequestReader reader_;
   State state_ = State::kIdle;
   Clock::time_point since_;
-  bool reading_ = false;  // a read is under way
-  bool last_ = false;     // no request is taken after the present answer
+  bool reading_ = false;     // a read is under way
+  bool continuing_ = false;  // the line that asks for the body is under way
+  bool last_ = false;        // no request is taken after the present answer
 
   std::vector<char> input_;  // of which [begin_, end_) is still to be taken
   std::size_t begin_ = 0;

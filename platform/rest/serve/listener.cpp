@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds kPauseAfterError{100};
 
 }  // namespace
 
-Listener::Listener(asio::io_context& io, const ListenAddress& address) : acceptor_{io}, pause_{io} {
+Listener::Listener(asio::io_context& io, const ListenAddress& address, bool secure) : acceptor_{io}, pause_{io}, secure_{secure} {
   const tcp::endpoint endpoint{asio::ip::make_address(address.address), address.port};
   acceptor_.open(endpoint.protocol());
   acceptor_.set_option(tcp::acceptor::reuse_address{true});
@@ -29,8 +29,10 @@ Listener::Listener(asio::io_context& io, const ListenAddress& address) : accepto
 
 std::string Listener::Text() const {
   const auto endpoint = acceptor_.local_endpoint();
+  std::string text = secure_ ? "https://" : "http://";
   const auto address = endpoint.address().to_string();
-  return "http://" + (endpoint.address().is_v6() ? "[" + address + "]" : address) + ":" + std::to_string(endpoint.port());
+  text += endpoint.address().is_v6() ? "[" + address + "]" : address;
+  return text + ":" + std::to_string(endpoint.port());
 }
 
 void Listener::Accept(Taker taker) {

@@ -17,9 +17,9 @@ class Listener {
   using Taker = std::function<void(boost::asio::ip::tcp::socket)>;
 
   /// Binds and listens; throws `boost::system::system_error` if that cannot be done.
-  Listener(boost::asio::io_context& io, const ListenAddress& address);
+  Listener(boost::asio::io_context& io, const ListenAddress& address, bool secure);
 
-  /// Where it listens: "http://[::1]:8080".
+  /// Where it listens: "http://[::1]:8080", or "https://…".
   std::string Text() const;
   /// Hands every new connection over, until it is closed. After an error of accept, such as too many open files, the next waits a while.
   void Accept(Taker taker);
@@ -32,6 +32,7 @@ class Listener {
   boost::asio::ip::tcp::acceptor acceptor_;
   boost::asio::steady_timer pause_;
   Taker taker_;
+  const bool secure_;
 };
 
 }  // namespace zuva::serve

@@ -101,6 +101,15 @@ class RequestReader::Parser final : public http::basic_parser<true> {
       case http::field::sec_websocket_key:
         AddToList(request_.webSocketKey, value);
         break;
+      case http::field::sec_websocket_protocol:
+        AddToList(request_.webSocketProtocols, value);
+        break;
+      case http::field::authorization:
+        AddToList(request_.authorization, value);
+        break;
+      case http::field::accept:
+        AddToList(request_.accept, value);
+        break;
       case http::field::sec_websocket_version:
         AddToList(request_.webSocketVersion, value);
         break;

@@ -13,6 +13,7 @@
 #include "os/thread.h"
 #include "serve/announcement.h"
 #include "serve/http_session.h"
+#include "serve/tls.h"
 #include "zuva/logger.h"
 #include "zuva/server.h"
 
@@ -49,7 +50,14 @@ void TurnAway(asio::ip::tcp::socket socket, DateLine& date) {
 }  // namespace
 
 WebServer::WebServer(Server& tree, Config config)
-    : tree_{tree}, config_{std::move(config)}, changes_{std::make_shared<ChangeQueue>()}, registry_{config_.registry}, io_{1}, sweep_{io_} {
+    : tree_{tree},
+      config_{std::move(config)},
+      changes_{std::make_shared<ChangeQueue>()},
+      registry_{config_.registry},
+      tls_{config_.tls ? MakeTlsContext(*config_.tls) : nullptr},
+      io_{1},
+      sweep_{io_} {
+  if (config_.documentRoot) documents_.emplace(*config_.documentRoot);
   tree_.SetChangeSink(changes_);
 }
 
@@ -63,7 +71,7 @@ void WebServer::Start() {
   try {
     OpenListeners();
     pool_ = std::make_unique<RequestPool>(config_.requestThreads);
-    hub_ = std::make_unique<Hub>(tree_, config_, io_, *pool_, *changes_);
+    hub_ = std::make_unique<Hub>(tree_, config_, io_, *pool_, *changes_, documents_ ? &*documents_ : nullptr);
     changes_->Open([this] { asio::post(io_, [this] { hub_->subscriptions.Drain(); }); });
     for (const auto& listener : listeners_) listener->Accept([this](asio::ip::tcp::socket socket) { Take(std::move(socket)); });
     ended_ = {};
@@ -89,7 +97,7 @@ void WebServer::OpenListeners() {
   std::string reasons;
   for (const auto& address : config_.listen) {
     try {
-      listeners_.push_back(std::make_unique<Listener>(io_, address));
+      listeners_.push_back(std::make_unique<Listener>(io_, address, config_.tls.has_value()));
     } catch (const boost::system::system_error& e) {
       const auto reason = address.address + " port " + std::to_string(address.port) + ": " + e.code().message();
       GetLogger().LogWarn() << "Cannot listen on " << reason;
@@ -118,9 +126,10 @@ void WebServer::Run() {
 void WebServer::Take(asio::ip::tcp::socket socket) {
   auto& connections = hub_->connections;
   if (connections.Size() >= config_.limits.connections && !connections.CloseLongestIdle()) {
-    return TurnAway(std::move(socket), hub_->date);
+    if (!tls_) TurnAway(std::move(socket), hub_->date);  // with TLS there is nothing to be said before a handshake
+    return;
   }
-  const auto session = std::make_shared<HttpSession>(*hub_, std::move(socket));
+  const auto session = std::make_shared<HttpSession>(*hub_, ClientStream{std::move(socket), tls_.get()});
   connections.Add(session);
   session->Start();
   if (!sweeping_) SweepLater();

@@ -10,10 +10,12 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/ssl/context.hpp>
 #include <boost/asio/steady_timer.hpp>
 
 #include "serve/change_queue.h"
 #include "serve/config.h"
+#include "serve/documents.h"
 #include "serve/hub.h"
 #include "serve/listener.h"
 #include "serve/registry_client.h"
@@ -25,6 +27,7 @@ namespace zuva::serve {
 /// Serves a tree by HTTP and WebSocket: one thread for all sockets, and the request threads.
 class WebServer final : public Frontend {
  public:
+  /// Reads certificate and key, if there are any; throws `ConfigError` for those, or a folder of documents, that cannot be used.
   WebServer(Server& tree, Config config);
   ~WebServer() override;
 
@@ -48,8 +51,10 @@ class WebServer final : public Frontend {
   const Config config_;
   const std::shared_ptr<ChangeQueue> changes_;
   const std::optional<RegistryClient> registry_;
-  mutable std::mutex addressesMutex_;   // guards addresses_, which announcements ask for on threads of their own
-  std::vector<std::string> addresses_;  // of the listeners, as URIs without a path
+  const std::unique_ptr<boost::asio::ssl::context> tls_;  // null: none
+  std::optional<Documents> documents_;                    // I/O thread only
+  mutable std::mutex addressesMutex_;                     // guards addresses_, which announcements ask for on threads of their own
+  std::vector<std::string> addresses_;                    // of the listeners, as URIs without a path
   boost::asio::io_context io_;
   std::unique_ptr<RequestPool> pool_;
   std::unique_ptr<Hub> hub_;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -37,12 +38,13 @@ constexpr int kSendBuffer = 256 * 1024;
 /// the outbox holds as the client takes it.
 class WebSocketSession final : public Connection, public Conversation::Socket, public std::enable_shared_from_this<WebSocketSession> {
  public:
-  WebSocketSession(Hub& hub, asio::ip::tcp::socket socket) : hub_{hub}, stream_{std::move(socket)}, conversation_{hub, *this} {
+  WebSocketSession(Hub& hub, ClientStream stream, Rights rights)
+      : hub_{hub}, stream_{std::move(stream)}, conversation_{hub, *this, rights} {
     stream_.read_message_max(hub.config.limits.bodyBytes);
     stream_.auto_fragment(false);
     stream_.text(true);
     beast::error_code ignored;  // a socket that is broken already says so at the first read
-    stream_.next_layer().set_option(asio::socket_base::send_buffer_size{kSendBuffer}, ignored);
+    Tcp().set_option(asio::socket_base::send_buffer_size{kSendBuffer}, ignored);
     stream_.control_callback([this](websocket::frame_type, beast::string_view) { Hear(); });
   }
 
@@ -56,12 +58,13 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   void Flush() override;
   void OnLost() override { CloseSlow(); }
   std::shared_ptr<Conversation::Socket> Keep() override { return shared_from_this(); }
-  bool HasLeft() override { return state_ == State::kEnded || serve::HasLeft(stream_.next_layer()); }
+  bool HasLeft() override { return state_ == State::kEnded || serve::HasLeft(Tcp()); }
   void OnAnswered() override;
 
  private:
   enum class State : std::uint8_t { kAccepting, kOpen, kClosing, kEnded };
 
+  ClientStream::Tcp& Tcp() { return stream_.next_layer().Socket(); }
   void Hear();
   void ReadIfRoom();
   void OnRead(const beast::error_code& error);
@@ -72,7 +75,7 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   void SendClose();
 
   Hub& hub_;
-  websocket::stream<asio::ip::tcp::socket> stream_;
+  websocket::stream<ClientStream> stream_;
   beast::flat_buffer input_;
   Outbox outbox_;
   Conversation conversation_;
@@ -97,6 +100,11 @@ void WebSocketSession::Start(const HttpRequest& request) {
   upgrade.set(http::field::upgrade, "websocket");
   upgrade.set(http::field::sec_websocket_key, request.webSocketKey);
   upgrade.set(http::field::sec_websocket_version, request.webSocketVersion);
+  // A page that shows its token as a subprotocol wants to see that one chosen.
+  stream_.set_option(websocket::stream_base::decorator{
+      [chosen = std::string{Tokens::SubprotocolOf(request.webSocketProtocols)}](websocket::response_type& answer) {
+        if (!chosen.empty()) answer.set(http::field::sec_websocket_protocol, chosen);
+      }});
   stream_.async_accept(upgrade, [self = shared_from_this()](const beast::error_code& error) {
     if (self->state_ == State::kEnded) return;
     if (error) return self->Abort();
@@ -138,7 +146,7 @@ void WebSocketSession::Abort() {
   conversation_.EndSubscriptions();
   outbox_.Clear();
   beast::error_code ignored;  // there is nothing left to do for a socket that does not close
-  stream_.next_layer().close(ignored);
+  Tcp().close(ignored);
   hub_.connections.Remove(this);
 }
 
@@ -238,8 +246,8 @@ void WebSocketSession::SendClose() {
 
 }  // namespace
 
-void AcceptWebSocket(Hub& hub, asio::ip::tcp::socket socket, const HttpRequest& request) {
-  const auto session = std::make_shared<WebSocketSession>(hub, std::move(socket));
+void AcceptWebSocket(Hub& hub, ClientStream stream, const HttpRequest& request, Rights rights) {
+  const auto session = std::make_shared<WebSocketSession>(hub, std::move(stream), rights);
   hub.connections.Add(session);
   session->Start(request);
 }

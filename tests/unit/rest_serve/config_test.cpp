@@ -43,23 +43,29 @@ TEST_P(BadConfigs, AreRefusedByName) {
   EXPECT_NE(fault.find(GetParam().named), std::string::npos) << fault;
 }
 
-INSTANTIATE_TEST_SUITE_P(Config, BadConfigs,
-                         testing::Values(BadConfig{"NoJson", "{", "parse"}, BadConfig{"NoListen", "{}", "listen"},
-                                         BadConfig{"EmptyListen", R"({"listen":[]})", "listen"},
-                                         BadConfig{"UnknownKey", WithListen(R"("lissten":1)"), "lissten"},
-                                         BadConfig{"RepeatedKey", WithListen(R"("requestThreads":1,"requestThreads":2)"), "requestThreads"},
-                                         BadConfig{"WrongKind", WithListen(R"("requestThreads":"four")"), "requestThreads"},
-                                         BadConfig{"Zero", WithListen(R"("limits":{"connections":0})"), "limits.connections"},
-                                         BadConfig{"Negative", WithListen(R"("limits":{"idleSeconds":-1})"), "limits.idleSeconds"},
-                                         BadConfig{"UnknownLimit", WithListen(R"("limits":{"bodyBites":1})"), "limits.bodyBites"},
-                                         BadConfig{"NoAddress", R"({"listen":[{"address":"localhost","port":1}]})", "listen[0].address"},
-                                         BadConfig{"NoPort", R"({"listen":[{"address":"::1"}]})", "listen[0].port"},
-                                         BadConfig{"NoOrigin", WithListen(R"("allowedOrigins":["car.local"])"), "allowedOrigins[0]"},
-                                         BadConfig{"Tls", WithListen(R"("tls":{})"), "tls"},
-                                         BadConfig{"RegistryWithoutUrl", WithListen(R"("registry":{})"), "registry.url"},
-                                         BadConfig{"RegistryOfAnotherScheme", WithListen(R"("registry":{"url":"ftp://a/"})"),
-                                                   "registry.url"}),
-                         [](const auto& parameter) { return parameter.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Config, BadConfigs,
+    testing::Values(BadConfig{"NoJson", "{", "parse"}, BadConfig{"NoListen", "{}", "listen"},
+                    BadConfig{"EmptyListen", R"({"listen":[]})", "listen"},
+                    BadConfig{"UnknownKey", WithListen(R"("lissten":1)"), "lissten"},
+                    BadConfig{"RepeatedKey", WithListen(R"("requestThreads":1,"requestThreads":2)"), "requestThreads"},
+                    BadConfig{"WrongKind", WithListen(R"("requestThreads":"four")"), "requestThreads"},
+                    BadConfig{"Zero", WithListen(R"("limits":{"connections":0})"), "limits.connections"},
+                    BadConfig{"Negative", WithListen(R"("limits":{"idleSeconds":-1})"), "limits.idleSeconds"},
+                    BadConfig{"UnknownLimit", WithListen(R"("limits":{"bodyBites":1})"), "limits.bodyBites"},
+                    BadConfig{"NoAddress", R"({"listen":[{"address":"localhost","port":1}]})", "listen[0].address"},
+                    BadConfig{"NoPort", R"({"listen":[{"address":"::1"}]})", "listen[0].port"},
+                    BadConfig{"NoOrigin", WithListen(R"("allowedOrigins":["car.local"])"), "allowedOrigins[0]"},
+                    BadConfig{"TlsWithoutFiles", WithListen(R"("tls":{})"), "tls.certificate"},
+                    BadConfig{"TlsWithRelativeKey", WithListen(R"("tls":{"certificate":"/c","key":"k"})"), "tls.key"},
+                    BadConfig{"NoTokens", WithListen(R"("tokens":[])"), "tokens"},
+                    BadConfig{"TokenOfBlanks", WithListen(R"("tokens":[{"token":"a b"}])"), "tokens[0].token"},
+                    BadConfig{"TokenTwice", WithListen(R"("tokens":[{"token":"a"},{"token":"a"}])"), "tokens[1]"},
+                    BadConfig{"OpenTokens", R"({"listen":[{"address":"0.0.0.0","port":1}],"tokens":[{"token":"a"}]})", "tls"},
+                    BadConfig{"RelativeDocumentRoot", WithListen(R"("documentRoot":"www")"), "documentRoot"},
+                    BadConfig{"RegistryWithoutUrl", WithListen(R"("registry":{})"), "registry.url"},
+                    BadConfig{"RegistryOfAnotherScheme", WithListen(R"("registry":{"url":"ftp://a/"})"), "registry.url"}),
+    [](const auto& parameter) { return parameter.param.name; });
 
 TEST(Config, AWrongFileIsOneErrorLineWithFileAndReasonAndNoServer) {
   const StagingRoot root;

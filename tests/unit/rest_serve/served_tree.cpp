@@ -75,11 +75,14 @@ StagingRoot::~StagingRoot() {
   std::filesystem::remove_all(path_);
 }
 
-void StagingRoot::Write(std::string_view config) const {
-  std::ofstream{path_.string() + kConfig} << config;
+void StagingRoot::WriteFile(std::string_view path, std::string_view content) const {
+  const std::filesystem::path place = path_.string() + std::string{path};
+  std::filesystem::create_directories(place.parent_path());
+  std::ofstream{place} << content;
 }
 
-TestTree::TestTree(nlohmann::json settings, std::shared_ptr<ChangeSink> sink) {
+TestTree::TestTree(nlohmann::json settings, std::shared_ptr<ChangeSink> sink, const Files& files) {
+  for (const auto& [path, content] : files) root.WriteFile(path, content);
   nlohmann::json config{{"listen", {{{"address", "127.0.0.1"}, {"port", 0}}}}};
   config.merge_patch(settings);
   root.Write(config.dump());
@@ -93,11 +96,13 @@ TestTree::TestTree(nlohmann::json settings, std::shared_ptr<ChangeSink> sink) {
   server->Add(service);
 }
 
-ServedTree::ServedTree(nlohmann::json settings) : TestTree{std::move(settings)} {
+ServedTree::ServedTree(nlohmann::json settings, const Files& files) : TestTree{std::move(settings), nullptr, files} {
   server->Start(false);
-  constexpr std::string_view kListening = "Listening on http://127.0.0.1:";
+  constexpr std::string_view kAddress = "//127.0.0.1:";
   for (const auto& line : capture.Lines()) {
-    if (line.starts_with(kListening)) port = static_cast<std::uint16_t>(std::stoul(line.substr(kListening.size())));
+    const auto at = line.find(kAddress);
+    if (line.starts_with("Listening on ") && at != std::string::npos)
+      port = static_cast<std::uint16_t>(std::stoul(line.substr(at + kAddress.size())));
   }
 }
 

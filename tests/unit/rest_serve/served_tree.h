@@ -7,6 +7,8 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -61,7 +63,10 @@ class StagingRoot {
   ~StagingRoot();
   StagingRoot(const StagingRoot&) = delete;
   StagingRoot& operator=(const StagingRoot&) = delete;
-  void Write(std::string_view config) const;
+  void Write(std::string_view config) const { WriteFile(kConfig, config); }
+  /// Writes a file below the root; the folders on the way are made. The path begins with a slash.
+  void WriteFile(std::string_view path, std::string_view content) const;
+  const std::filesystem::path& Path() const { return path_; }
 
   static constexpr const char* kConfig = "/serve.json";  ///< as the server is given it
 
@@ -69,11 +74,15 @@ class StagingRoot {
   std::filesystem::path path_;
 };
 
+/// Files below the staging root that are there before the server is made: path and content.
+using Files = std::vector<std::pair<std::string, std::string>>;
+
 /// The service "/S" and its resources "/S/things" and "/S/others", in a server that listens on a free port of 127.0.0.1 once started.
 class TestTree {
  public:
   /// `settings` are merged over the address to listen on; a sink takes the place of the server's own.
-  explicit TestTree(nlohmann::json settings = nlohmann::json::object(), std::shared_ptr<ChangeSink> sink = nullptr);
+  explicit TestTree(nlohmann::json settings = nlohmann::json::object(), std::shared_ptr<ChangeSink> sink = nullptr,
+                    const Files& files = {});
 
   ara::log::testing::Capture capture;
   StagingRoot root;
@@ -85,7 +94,7 @@ class TestTree {
 /// The same, started.
 class ServedTree : public TestTree {
  public:
-  explicit ServedTree(nlohmann::json settings = nlohmann::json::object());
+  explicit ServedTree(nlohmann::json settings = nlohmann::json::object(), const Files& files = {});
 
   HttpClient Http() const { return {"127.0.0.1", port}; }
   WsClient Socket(std::string_view path = "/", const test_support::Headers& headers = {}) const {
