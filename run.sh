@@ -18,7 +18,11 @@ busy "$http_port" && fail "port $http_port is in use: stop the program that has 
 root=$PWD/.run
 etc=$root/opt/TROV__PLNT5_Sys_Adaptive_01/etc
 mkdir -p "$etc"
-sed "s/\"port\": 8080/\"port\": $http_port/g" config/charging_management_core_conf.json >"$etc/charging_management_core_conf.json"
+www=/opt/TROV__PLNT5_Sys_Adaptive_01/www
+sed -e "s/\"port\": 8080/\"port\": $http_port/g" -e "s#^}#,  \"documentRoot\": \"$www\" }#" config/charging_management_core_conf.json \
+  >"$etc/charging_management_core_conf.json"
+mkdir -p "$root$www"
+cp config/www/* "$root$www"
 sed "s/\"port\": 30490/\"port\": $discovery_port/" config/someip_deployment.json >"$etc/someip_deployment.json"
 
 # The two streams go their own ways: the vehicle's lines are indented and marked. In sessions of their own, all but this script are out of
@@ -63,6 +67,7 @@ The bridge listens on http://127.0.0.1:$http_port; the simulated vehicle charges
   /usr/bin/python3 -m websockets ws://127.0.0.1:$http_port/
       and type  {"action":"subscribe","path":"/ChargingManagementCore/views","requestId":"1"}
 
+or open http://127.0.0.1:$http_port/ in a browser, which shows all resources as they change.
 Ctrl-C stops both.
 
 TEXT

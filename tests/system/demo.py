@@ -45,6 +45,11 @@ class Demo:
         with urllib.request.urlopen(request, timeout=5) as answer:
             return json.load(answer)
 
+    def start_page(self):
+        request = urllib.request.Request(f"http://127.0.0.1:{self.port}/", headers={"Accept": "text/html"})
+        with urllib.request.urlopen(request, timeout=5) as answer:
+            return answer.headers["Content-Type"], answer.read().decode()
+
     async def first_view(self):
         async with websockets.connect(f"ws://127.0.0.1:{self.port}/") as client:
             await client.send(json.dumps({"action": "subscribe", "path": "/ChargingManagementCore/views", "requestId": "1"}))
@@ -89,6 +94,8 @@ def main():
         assert [each["uri"] for each in demo.get("/ChargingManagementCore/views")] == [view["uri"]]
         demo.wait_for(r"^bridge \| .* INFO TROV ", 1)
         demo.wait_for(r"^ +vehicle \| .*\"subscribed\"", 1)
+        kind, page = demo.start_page()
+        assert kind.startswith("text/html") and "Charging management core" in page, (kind, page[:200])
         busy = subprocess.run([ROOT / "run.sh"], env=os.environ | {"HTTP_PORT": str(demo.port)}, capture_output=True, text=True, timeout=PATIENCE)
         assert busy.returncode == 1 and f"port {demo.port} is in use" in busy.stderr, busy
     finally:
