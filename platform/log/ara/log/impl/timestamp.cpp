@@ -1,5 +1,7 @@
 #include "ara/log/impl/timestamp.h"
 
+#include <array>
+#include <cstdio>
 #include <ctime>
 
 namespace ara::log::impl {
@@ -10,8 +12,11 @@ void Timestamp::AppendTo(std::string& out, std::chrono::system_clock::time_point
     const std::time_t seconds = std::chrono::system_clock::to_time_t(second);
     std::tm parts{};
     ::gmtime_r(&seconds, &parts);
-    char text[sizeof "2026-11-24T10:15:30."];
-    text_.assign(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S.", &parts));
+    // Not strftime, which looks for a new time zone at each call.
+    std::array<char, 96> text{};
+    (void)std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+                        parts.tm_hour, parts.tm_min, parts.tm_sec);
+    text_ = text.data();
     second_ = second;
   }
   auto rest = std::chrono::floor<std::chrono::microseconds>(time - second).count();
