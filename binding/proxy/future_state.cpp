@@ -18,8 +18,9 @@ Future_status Future_state_base::wait_for(std::chrono::nanoseconds time) const {
   return changed_.wait_for(lock, time, [this] { return ready_; }) ? Future_status::ready : Future_status::timeout;
 }
 
-void Future_state_base::rethrow_locked() const {
-  if (exception_) std::rethrow_exception(exception_);
+void Future_state_base::rethrow_locked() {
+  // Taken out, so that the exception ends on the thread that gets it: the promise's may still hold this state.
+  if (exception_) std::rethrow_exception(std::exchange(exception_, nullptr));
 }
 
 void Future_state_base::throw_if_ready_locked() const {

@@ -39,7 +39,7 @@ class Future_state_base {
     }
     changed_.notify_all();
   }
-  void rethrow_locked() const;
+  void rethrow_locked();
 
   mutable std::mutex mutex_;  // guards the members below, and the value
 
