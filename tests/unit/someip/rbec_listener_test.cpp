@@ -15,7 +15,6 @@ namespace {
 namespace rbec = ylt::services::routebasedenergycontents::datatypes;
 
 using routeBasedEnergyContents::RouteBasedEnergyContentsListener;
-using ::testing::_;
 using ::testing::ElementsAre;
 using ::testing::InSequence;
 using ::testing::Return;
