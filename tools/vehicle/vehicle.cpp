@@ -91,7 +91,7 @@ void Vehicle::OnGet(const std::string& field, Reply reply) {
 }
 
 void Vehicle::OnSet(const std::string& field, const Bytes& payload, Reply reply) {
-  reporter_.Tell("set", {{"field", field}, {"value", InWords(field, payload)}});
+  reporter_.Tell("set", {{"field", field}, {"value", InWords(field, payload)}, {"payload", HexFromBytes(payload)}});
   const auto behaviour = BehaviourOf(onSet_, field);
   Later(behaviour.delay, [this, behaviour, field, payload, reply = std::move(reply)] {
     if (behaviour.kind == Behaviour::Kind::good) TakeSet(field, payload, reply);

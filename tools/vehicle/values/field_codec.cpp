@@ -25,4 +25,14 @@ Bytes BytesFromHex(const nlohmann::json& value, const Place& place) {
   return bytes;
 }
 
+std::string HexFromBytes(const Bytes& bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const unsigned byte : bytes) {
+    if (!text.empty()) text += ' ';
+    text += {kDigits[byte / 16], kDigits[byte % 16]};
+  }
+  return text;
+}
+
 }  // namespace vehicle

@@ -34,5 +34,7 @@ const FieldCodec& CodecOf(std::string_view field, const Place& place);
 
 /// Bytes from hexadecimal digits, blanks between them allowed. Throws BadInput.
 Bytes BytesFromHex(const nlohmann::json& text, const Place& place);
+/// The same the other way, one blank between two bytes.
+std::string HexFromBytes(const Bytes& bytes);
 
 }  // namespace vehicle
