@@ -1,6 +1,10 @@
 #pragma once
 
+#include "bench/measure.h"
+
 #include <sys/types.h>
+
+#include <vector>
 
 namespace bench {
 
@@ -8,5 +12,21 @@ namespace bench {
 double CpuNanoseconds(pid_t process);
 /// Memory that a process holds now.
 double ResidentMegabytes(pid_t process);
+
+/// What each piece of work cost a process, turn by turn. The figure is the median turn.
+class CpuTurns {
+ public:
+  /// `work` gives the number of pieces that it was.
+  template <class Work>
+  void Add(pid_t process, Work&& work) {
+    const double before = CpuNanoseconds(process);
+    const auto pieces = static_cast<double>(work());
+    microseconds_.push_back((CpuNanoseconds(process) - before) / 1000 / pieces);
+  }
+  double Microseconds() const { return QuantilesOf(microseconds_).median; }
+
+ private:
+  std::vector<double> microseconds_;
+};
 
 }  // namespace bench
