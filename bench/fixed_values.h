@@ -11,20 +11,27 @@
 
 namespace bench {
 
+/// Something to say in each field that the bridge reads: what a car says between its arrival at a charger and the end of the charge.
+std::map<std::string, vehicle::Bytes> ValuesOfEveryField();
+
 /// The vehicle's side without anything of its own to do: both services offered on 127.0.0.2, payloads as they are behind the server
 /// role. All on the thread that runs `Context()`.
 class FixedValues final : public vehicle::FieldHost {
  public:
-  explicit FixedValues(const std::filesystem::path& deployment);
+  explicit FixedValues(const std::filesystem::path& deployment, std::map<std::string, vehicle::Bytes> payloads = {});
 
   /// Of all fields that were never set the value is an array of no records.
   void Set(const std::string& field, vehicle::Bytes payload) { payloads_[field] = std::move(payload); }
-  void Notify(const std::string& field) { server_.Notify(field); }
+  /// Sends a new value. What has come to the vehicle meanwhile is answered behind it.
+  void Notify(const std::string& field, vehicle::Bytes payload);
+  /// Whether the bridge has subscribed to all the fields that it reads, and has got each of them once.
+  bool IsKnown() const { return subscribed_.size() >= kFieldsTheBridgeReads && got_.size() >= kFieldsTheBridgeReads; }
   boost::asio::io_context& Context() { return context_; }
-  std::size_t SubscribedFields() const { return subscribed_.size(); }
 
  private:
-  void OnGet(const std::string& field, vehicle::Reply reply) override { reply({0, PresentValue(field)}); }
+  static constexpr std::size_t kFieldsTheBridgeReads = 16;
+
+  void OnGet(const std::string& field, vehicle::Reply reply) override;
   void OnSet(const std::string& field, const vehicle::Bytes& payload, vehicle::Reply reply) override;
   vehicle::Bytes PresentValue(const std::string& field) override;
   bool AcceptsSubscription(const std::string&) override { return true; }
@@ -36,7 +43,7 @@ class FixedValues final : public vehicle::FieldHost {
 
   boost::asio::io_context context_{1};
   std::map<std::string, vehicle::Bytes> payloads_;
-  std::set<std::string> subscribed_;
+  std::set<std::string> subscribed_, got_;
   vehicle::ServiceServer server_;
 };
 

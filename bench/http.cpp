@@ -1,19 +1,24 @@
 #include "bench/bare_server.h"
 #include "bench/child.h"
+#include "bench/fixed_values.h"
 #include "bench/load.h"
 #include "bench/measure.h"
 #include "bench/process_cost.h"
 #include "bench/program.h"
+#include "bench/stay_on.h"
 
-#include <sched.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
+#include <chrono>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
-// GET of one element by sixteen kept connections, against a server that has nothing to look up.
+// GET of an element, a resource and a composite by sixteen kept connections, against a server that has nothing to look up.
 namespace {
+
+using namespace std::chrono_literals;
 
 constexpr std::size_t kConnections = 16;
 
@@ -26,52 +31,97 @@ std::chrono::milliseconds TurnLength(int turn) {
 class Side {
  public:
   void Turn(bench::Load& load, pid_t server, std::chrono::milliseconds length) {
-    const double before = bench::CpuNanoseconds(server);
-    const auto result = load.Run(length);
-    cpu_.push_back((bench::CpuNanoseconds(server) - before) / 1000 / result.answers);
-    perSecond_.push_back(result.perSecond);
-    latency_.Add(result.microseconds);
+    cpu_.Add(server, [&] {
+      const auto result = load.Run(length);
+      perSecond_.push_back(result.perSecond);
+      latency_.Add(result.microseconds);
+      return result.answers;
+    });
   }
   double PerSecond() const { return bench::QuantilesOf(perSecond_).median; }
-  double CpuMicroseconds() const { return bench::QuantilesOf(cpu_).median; }
+  double CpuMicroseconds() const { return cpu_.Microseconds(); }
   const bench::Turns& Latency() const { return latency_; }
 
  private:
-  std::vector<double> perSecond_, cpu_;
+  std::vector<double> perSecond_;
   bench::Turns latency_;
+  bench::CpuTurns cpu_;
 };
 
-/// From now on this process, and whatever it starts, runs on this CPU only. Without that the scheduler decides which of the two servers
-/// shares one with the clients, and sticks to it. Nothing happens on a machine that has no such CPU.
-void StayOn(unsigned cpu) {
-  cpu_set_t set;
-  CPU_ZERO(&set);
-  CPU_SET(cpu, &set);
-  ::sched_setaffinity(0, sizeof set, &set);
+std::size_t Count(const std::string& text, const std::string& word) {
+  std::size_t count = 0;
+  for (auto at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) ++count;
+  return count;
 }
 
 std::string Body(const std::string& answer) {
   return answer.substr(answer.find("\r\n\r\n") + 4);
 }
 
-/// Both servers started anew, since one that happens to lie badly in memory or caches keeps that as long as it runs.
-void Round(Side& road, Side& floor) {
-  StayOn(1);
-  bench::Program bridge{"charging_management_core"};
-  bridge.Start();
-  const auto elements = nlohmann::json::parse(Body(bridge.FirstAnswer("/ChargingManagementCore/valueControls")));
-  const auto path = elements.at(0).at("uri").get<std::string>();
+/// What is asked for, and what both servers gave for it.
+struct Comparison {
+  std::string name;
+  std::string aim, p99Aim;
+  Side road{}, floor{};
+
+  void Turns(const bench::Program& bridge, const std::string& path);
+  void Print() const;
+};
+
+void Comparison::Turns(const bench::Program& bridge, const std::string& path) {
+  bench::StayOn(1);
   const auto answer = bridge.FirstAnswer(path);
   const auto listener = bench::ListenTcp();
   const bench::Child bare{[&] { bench::RunBareServer(listener, answer); }};
 
-  StayOn(0);
+  bench::StayOn(0);
   bench::Load bridgeLoad{bridge.Port(), bench::GetRequest(path, bridge.Port()), answer.size(), kConnections};
   bench::Load bareLoad{listener.Port(), bench::GetRequest(path, listener.Port()), answer.size(), kConnections};
   for (int turn = 0; turn < 5; ++turn) {
     road.Turn(bridgeLoad, bridge.Pid(), TurnLength(2 * turn));
     floor.Turn(bareLoad, bare.Pid(), TurnLength(2 * turn + 1));
   }
+}
+
+void Comparison::Print() const {
+  bench::PrintRow("GET of " + name + ", 16 connections / bare Beast server", "1/s", road.PerSecond(), floor.PerSecond(), aim);
+  bench::PrintRow("  median of the same", "us", road.Latency().Median(), floor.Latency().Median(), "");
+  bench::PrintRow("  p99 of the same", "us", road.Latency().P99(), floor.Latency().P99(), p99Aim);
+  bench::PrintRow("  CPU of the server for each", "us", road.CpuMicroseconds(), floor.CpuMicroseconds(), "");
+}
+
+/// The answer for a resource when the vehicle's values are there: so many elements, embedded ones too, have the property.
+std::string Filled(const bench::Program& bridge, const std::string& resource, const std::string& property, std::size_t count) {
+  const auto deadline = bench::Clock::now() + 20s;
+  for (;;) {
+    const auto answer = bridge.FirstAnswer(resource);
+    if (Count(answer, '"' + property + '"') == count) return answer;
+    if (bench::Clock::now() > deadline) throw std::runtime_error("not all values have reached " + resource);
+    std::this_thread::sleep_for(5ms);
+  }
+}
+
+std::string FirstElement(const std::string& answer) {
+  return nlohmann::json::parse(Body(answer)).at(0).at("uri").get<std::string>();
+}
+
+struct Comparisons {
+  Comparison element{"an element", ">= 0.9", "<= 1.3"}, resource{"21 elements", ">= 0.8", ""}, composite{"13 in one", ">= 0.8", ""};
+};
+
+/// Both servers started anew, since one that happens to lie badly in memory or caches keeps that as long as it runs.
+void Round(Comparisons& comparisons) {
+  bench::StayOn(1);
+  bench::Program bridge{"charging_management_core"};
+  bridge.Start();
+  const bench::Child vehicle{[&] { bench::FixedValues{bridge.Root().DeploymentPath(), bench::ValuesOfEveryField()}.Context().run(); }};
+  const std::string service = "/ChargingManagementCore";
+  const auto controls = Filled(bridge, service + "/valueControls", "currentValue", 14);
+  Filled(bridge, service + "/valueIndications", "currentValue", 21);
+  const auto process = Filled(bridge, service + "/chargingProcessInformation", "evseid", 1);
+  comparisons.element.Turns(bridge, FirstElement(controls));
+  comparisons.resource.Turns(bridge, service + "/valueIndications");
+  comparisons.composite.Turns(bridge, FirstElement(process));
   bridge.Stop();
 }
 
@@ -79,10 +129,9 @@ void Round(Side& road, Side& floor) {
 
 int main() {
   bench::PrintHead();
-  Side road, floor;
-  for (int round = 0; round < 7; ++round) Round(road, floor);
-  bench::PrintRow("GET of an element, 16 connections / bare Beast server", "1/s", road.PerSecond(), floor.PerSecond(), ">= 0.9");
-  bench::PrintRow("  median of the same", "us", road.Latency().Median(), floor.Latency().Median(), "");
-  bench::PrintRow("  p99 of the same", "us", road.Latency().P99(), floor.Latency().P99(), "<= 1.3");
-  bench::PrintRow("  CPU of the server for each", "us", road.CpuMicroseconds(), floor.CpuMicroseconds(), "");
+  Comparisons comparisons;
+  for (int round = 0; round < 7; ++round) Round(comparisons);
+  comparisons.element.Print();
+  comparisons.resource.Print();
+  comparisons.composite.Print();
 }

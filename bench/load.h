@@ -1,13 +1,12 @@
 #pragma once
 
+#include "bench/crowd.h"
 #include "bench/measure.h"
-#include "bench/sockets.h"
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace bench {
 
@@ -25,21 +24,10 @@ class Load {
   Result Run(std::chrono::milliseconds duration);
 
  private:
-  struct Connection {
-    Socket socket;
-    Clock::time_point sent{};
-    std::size_t missing = 0;  // bytes of the answer
-  };
-
-  void Ask(Connection& connection) const;
-  /// Takes what is there; true when the answer is whole.
-  bool Take(Connection& connection);
+  void Ask(Crowd::Member& member) const;
 
   std::string request_;
-  std::size_t answerSize_;
-  std::vector<Connection> connections_;
-  std::vector<unsigned char> room_;
-  Socket epoll_;
+  Crowd crowd_;
 };
 
 }  // namespace bench

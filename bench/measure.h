@@ -65,15 +65,15 @@ class Turns {
 /// Work, what it is measured against, both figures, their ratio, and the aim.
 inline void PrintRow(const std::string& work, const std::string& unit, double measured, double floor, const std::string& aim) {
   if (floor > 0) {
-    std::printf("%-58s %10.2f %10.2f %-6s %8.2f   %s\n", work.c_str(), measured, floor, unit.c_str(), measured / floor, aim.c_str());
+    std::printf("%-64s %10.2f %10.2f %-6s %8.2f   %s\n", work.c_str(), measured, floor, unit.c_str(), measured / floor, aim.c_str());
   } else {
-    std::printf("%-58s %10.2f %10s %-6s %8s   %s\n", work.c_str(), measured, "-", unit.c_str(), "-", aim.c_str());
+    std::printf("%-64s %10.2f %10s %-6s %8s   %s\n", work.c_str(), measured, "-", unit.c_str(), "-", aim.c_str());
   }
   std::fflush(stdout);
 }
 
 inline void PrintHead() {
-  std::printf("%-58s %10s %10s %-6s %8s   %s\n", "work", "measured", "floor", "unit", "ratio", "aim");
+  std::printf("%-64s %10s %10s %-6s %8s   %s\n", "work", "measured", "floor", "unit", "ratio", "aim");
 }
 
 /// Nanoseconds of one run of `work`, the best of several rounds: the machine's other business only ever adds.

@@ -4,63 +4,71 @@ namespace bench {
 
 namespace {
 
-void Serve(const Socket& server, Sizes sizes) {
-  std::vector<unsigned char> request(sizes.request), reply(sizes.reply);
+std::vector<std::vector<unsigned char>> RoomsOf(const std::vector<std::size_t>& sizes) {
+  std::vector<std::vector<unsigned char>> rooms(sizes.begin(), sizes.end());
+  return rooms;
+}
+
+void Serve(const Socket& server, const Sizes& sizes) {
+  std::vector<unsigned char> request(sizes.request);
+  const auto replies = RoomsOf(sizes.replies);
   for (;;) {
-    server.ReceiveAll(request);
-    server.Send(reply);
+    for (const auto& reply : replies) {
+      server.ReceiveAll(request);
+      server.Send(reply);
+    }
   }
 }
 
 }  // namespace
 
-SocketPair UdpPair() {
-  SocketPair pair{OpenUdp(), OpenUdp()};
-  Join(pair.client, pair.server.Port());
-  Join(pair.server, pair.client.Port());
-  return pair;
-}
-
-SocketPair TcpPair() {
-  const auto listener = ListenTcp();
-  auto client = ConnectTcp(listener.Port());
-  return {std::move(client), Accept(listener)};
-}
-
 void Meeting::Come() {
   {
     const std::lock_guard lock{mutex_};
-    come_ = true;
+    ++come_;
   }
   change_.notify_one();
 }
 
 void Meeting::Wait() {
   std::unique_lock lock{mutex_};
-  change_.wait(lock, [this] { return come_; });
-  come_ = false;
+  change_.wait(lock, [this] { return come_ != 0; });
+  --come_;
 }
 
-PingPong::PingPong(SocketPair pair, Sizes sizes)
-    : sockets_{std::move(pair)}, request_(sizes.request), reply_(sizes.reply), server_{[this, sizes] { Serve(sockets_.server, sizes); }} {}
+PingPong::PingPong(SocketPair pair, const Sizes& sizes)
+    : sockets_{std::move(pair)}, request_(sizes.request), replies_{RoomsOf(sizes.replies)}, server_{[&] {
+        Serve(sockets_.server, sizes);
+      }} {}
+
+void PingPong::Trip() {
+  SendRequests();
+  for (std::size_t number = 0; number < Replies(); ++number) ReceiveReply(number);
+}
+
+void PingPong::SendRequests() const {
+  for (std::size_t number = 0; number < Replies(); ++number) sockets_.client.Send(request_);
+}
 
 HandedOver::~HandedOver() {
   if (!receiver_.joinable()) return;
   ending_ = true;
-  pingPong_.SendRequest();  // its reply lets the receiver see the end
+  pingPong_.SendRequests();  // their replies let the receiver see the end
   receiver_.join();
 }
 
 void HandedOver::Trip() {
   if (!receiver_.joinable()) receiver_ = std::thread{[this] { Receive(); }};
-  pingPong_.SendRequest();
-  meeting_.Wait();
+  pingPong_.SendRequests();
+  for (std::size_t number = 0; number < pingPong_.Replies(); ++number) meeting_.Wait();
 }
 
 void HandedOver::Receive() {
   while (!ending_) {
-    pingPong_.ReceiveReply();
-    meeting_.Come();
+    for (std::size_t number = 0; number < pingPong_.Replies(); ++number) {
+      pingPong_.ReceiveReply(number);
+      meeting_.Come();
+    }
   }
 }
 

@@ -13,18 +13,13 @@
 
 namespace bench {
 
-/// Two joined sockets, one for each side of a floor.
-struct SocketPair {
-  Socket client, server;
-};
-SocketPair UdpPair();
-SocketPair TcpPair();
-
+/// One request for each of the replies, which come in this order.
 struct Sizes {
-  std::size_t request, reply;
+  std::size_t request;
+  std::vector<std::size_t> replies;
 };
 
-/// One thread waits until another has come.
+/// One thread waits as often as another has come.
 class Meeting {
  public:
   void Come();
@@ -32,24 +27,24 @@ class Meeting {
 
  private:
   std::mutex mutex_;  // guards come_
-  bool come_ = false;
+  std::size_t come_ = 0;
   std::condition_variable change_;
 };
 
-/// A round trip at its cheapest: blocking sockets, one thread on each side, two processes.
+/// Round trips at their cheapest, all under way at once: blocking sockets, one thread on each side, two processes.
 class PingPong {
  public:
-  PingPong(SocketPair pair, Sizes sizes);
-  void Trip() {
-    SendRequest();
-    ReceiveReply();
-  }
-  void SendRequest() const { sockets_.client.Send(request_); }
-  void ReceiveReply() { sockets_.client.ReceiveAll(reply_); }
+  PingPong(SocketPair pair, const Sizes& sizes);
+  void Trip();
+  void SendRequests() const;
+  void ReceiveReply(std::size_t number) { sockets_.client.ReceiveAll(replies_[number]); }
+  std::size_t Replies() const { return replies_.size(); }
+  pid_t ServerPid() const { return server_.Pid(); }
 
  private:
   SocketPair sockets_;
-  std::vector<unsigned char> request_, reply_;
+  std::vector<unsigned char> request_;
+  std::vector<std::vector<unsigned char>> replies_;
   Child server_;
 };
 
@@ -58,11 +53,12 @@ class PingPong {
 class HandedOver {
  public:
   /// The thread comes with the first trip, so that the children of other floors can still be made.
-  HandedOver(SocketPair pair, Sizes sizes) : pingPong_{std::move(pair), sizes} {}
+  HandedOver(SocketPair pair, const Sizes& sizes) : pingPong_{std::move(pair), sizes} {}
   ~HandedOver();
   HandedOver(const HandedOver&) = delete;
   HandedOver& operator=(const HandedOver&) = delete;
   void Trip();
+  pid_t ServerPid() const { return pingPong_.ServerPid(); }
 
  private:
   void Receive();

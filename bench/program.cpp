@@ -12,10 +12,6 @@ namespace bench {
 
 namespace {
 
-Bytes AsBytes(std::string_view text) {
-  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
 std::string Ask(const Socket& connection, std::string_view request) {
   connection.Send(AsBytes(request));
   std::string answer;
@@ -37,9 +33,10 @@ std::string GetRequest(std::string_view path, std::uint16_t port) {
   return "GET " + std::string{path} + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n\r\n";
 }
 
-Program::Program(std::string_view name) : port_{FreePort()}, name_{name} {
+Program::Program(std::string_view name, const nlohmann::json& limits) : port_{FreePort()}, name_{name} {
   auto config = root_.DefaultRestConfig();
   config["listen"][0]["port"] = port_;
+  config["limits"] = limits;
   root_.WriteRestConfig(config.dump());
 }
 

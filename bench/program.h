@@ -3,6 +3,8 @@
 #include "tests/support/process.h"
 #include "tests/support/temp_root.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -13,8 +15,8 @@ namespace bench {
 /// A bridge as a child process, with a staging root of its own, a log file there and a known HTTP port.
 class Program {
  public:
-  /// Prepares all and starts nothing. `name` is a program beside this one.
-  explicit Program(std::string_view name);
+  /// Prepares all and starts nothing. `name` is a program beside this one, `limits` what its REST configuration changes of them.
+  explicit Program(std::string_view name, const nlohmann::json& limits = nlohmann::json::object());
 
   void Start();
   /// Waits until a GET of this path is answered with 200, and gives the whole answer. Throws std::runtime_error if that takes too long.

@@ -11,8 +11,11 @@ namespace {
 
 constexpr unsigned char kFinalText = 0x81;
 
-Bytes AsBytes(std::string_view text) {
-  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+void Upgrade(const Socket& socket, FrameReader& reader, std::uint16_t port) {
+  socket.Send(AsBytes("GET / HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
+                      "\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
+                      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n"));
+  if (const auto head = reader.Head(); !head.starts_with("HTTP/1.1 101")) throw std::runtime_error("no upgrade: " + head);
 }
 
 }  // namespace
@@ -59,11 +62,21 @@ std::string FrameReader::Head() {
   }
 }
 
-void Upgrade(const Socket& socket, FrameReader& reader, std::uint16_t port) {
-  socket.Send(AsBytes("GET / HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
-                      "\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
-                      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n"));
-  if (const auto head = reader.Head(); !head.starts_with("HTTP/1.1 101")) throw std::runtime_error("no upgrade: " + head);
+Socket Upgraded(std::uint16_t port) {
+  auto socket = ConnectTcp(port);
+  FrameReader reader{socket};
+  Upgrade(socket, reader, port);
+  return socket;
+}
+
+Socket Subscribed(std::uint16_t port, std::string_view path) {
+  auto socket = ConnectTcp(port);
+  FrameReader reader{socket};
+  Upgrade(socket, reader, port);
+  SendText(socket, R"({"action":"subscribe","requestId":"1","path":")" + std::string{path} + "\"}");
+  while (reader.Next().find(R"("event":"snapshot")") == std::string_view::npos) {
+  }
+  return socket;
 }
 
 void SendText(const Socket& socket, std::string_view text) {

@@ -26,8 +26,10 @@ class FrameReader {
   std::size_t begin_ = 0, end_ = 0;  // what is received and not yet taken
 };
 
-/// Upgrades the connection. Throws std::runtime_error if the server refuses.
-void Upgrade(const Socket& socket, FrameReader& reader, std::uint16_t port);
+/// A connection that is upgraded. Throws std::runtime_error if the server refuses.
+Socket Upgraded(std::uint16_t port);
+/// A connection that has subscribed to the path, and taken the snapshot.
+Socket Subscribed(std::uint16_t port, std::string_view path);
 /// Sends a text of less than 126 bytes as a client's frame.
 void SendText(const Socket& socket, std::string_view text);
 /// A server's frame of a text that takes a two-byte length.

@@ -1,7 +1,6 @@
 #include "bench/relay.h"
 
 #include <algorithm>
-#include <array>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -13,56 +12,63 @@ namespace bench {
 
 namespace {
 
-using Datagram = std::vector<unsigned char>;
+using Message = std::vector<unsigned char>;
 
 /// Unbounded, since the benchmark sends one at a time.
 class Queue {
  public:
-  void Push(Datagram datagram) {
+  void Push(Message message) {
     {
       const std::lock_guard lock{mutex_};
-      waiting_.push_back(std::move(datagram));
+      waiting_.push_back(std::move(message));
     }
     change_.notify_one();
   }
-  Datagram Pop() {
+  Message Pop() {
     std::unique_lock lock{mutex_};
     change_.wait(lock, [this] { return !waiting_.empty(); });
-    auto datagram = std::move(waiting_.front());
+    auto message = std::move(waiting_.front());
     waiting_.pop_front();
-    return datagram;
+    return message;
   }
 
  private:
   std::mutex mutex_;  // guards waiting_
-  std::deque<Datagram> waiting_;
+  std::deque<Message> waiting_;
   std::condition_variable change_;
 };
 
-Datagram Received(const Socket& socket) {
-  std::array<unsigned char, 65536> room;
-  const auto size = socket.Receive(room);
-  return {room.data(), room.data() + size};
+Message Received(const Socket& socket, std::size_t size) {
+  Message message(size);
+  socket.ReceiveAll(message);
+  return message;
 }
 
+/// Each frame takes its part of the message.
 class Frames {
  public:
-  Frames(const Socket& socket, std::size_t textSize) : socket_{socket}, frame_{ServerFrame(std::string(textSize, '.'))} {}
-  void Send(const Datagram& datagram) {
-    std::copy(datagram.begin(), datagram.end(), frame_.end() - static_cast<std::ptrdiff_t>(datagram.size()));
-    socket_.Send(frame_);
+  Frames(const Socket& socket, const Relay::Shape& shape)
+      : socket_{socket}, frames_(shape.frames, ServerFrame(std::string(shape.text, '.'))) {}
+  void Send(const Message& message) {
+    const auto part = static_cast<std::ptrdiff_t>(message.size() / frames_.size());
+    auto from = message.begin();
+    for (auto& frame : frames_) {
+      std::copy_n(from, part, frame.end() - part);
+      from += part;
+      socket_.Send(frame);
+    }
   }
 
  private:
   const Socket& socket_;
-  std::vector<unsigned char> frame_;
+  std::vector<std::vector<unsigned char>> frames_;
 };
 
-void RunOnOneThread(const Socket& in, Frames out) {
-  for (;;) out.Send(Received(in));
+void RunOnOneThread(const Socket& in, Frames out, std::size_t size) {
+  for (;;) out.Send(Received(in, size));
 }
 
-void RunThroughTwoQueues(const Socket& in, Frames out) {
+void RunThroughTwoQueues(const Socket& in, Frames out, std::size_t size) {
   Queue first, second;
   const std::thread middle{[&] {
     for (;;) second.Push(first.Pop());
@@ -70,32 +76,20 @@ void RunThroughTwoQueues(const Socket& in, Frames out) {
   const std::thread last{[&] {
     for (;;) out.Send(second.Pop());
   }};
-  for (;;) first.Push(Received(in));
+  for (;;) first.Push(Received(in, size));
 }
 
 }  // namespace
 
-Relay::Relay(Road road, std::size_t datagramSize, std::size_t textSize)
-    : sender_{OpenUdp()},
-      receiver_{OpenUdp()},
-      listener_{ListenTcp()},
-      client_{ConnectTcp(listener_.Port())},
-      server_{Accept(listener_)},
-      datagram_(datagramSize),
-      child_{[&] {
-        Frames frames{server_, textSize};
-        if (road == Road::oneThread) {
-          RunOnOneThread(receiver_, std::move(frames));
-        } else {
-          RunThroughTwoQueues(receiver_, std::move(frames));
-        }
-      }} {
-  Join(sender_, receiver_.Port());
-}
+Relay::Relay(Road road, SocketPair in, Shape shape)
+    : in_{std::move(in)}, out_{TcpPair()}, shape_{shape}, message_(shape.message), child_{[&] {
+        const auto run = road == Road::oneThread ? RunOnOneThread : RunThroughTwoQueues;
+        run(in_.server, Frames{out_.server, shape}, shape.message);
+      }} {}
 
 void Relay::Trip() {
-  sender_.Send(datagram_);
-  reader_.Next();
+  in_.client.Send(message_);
+  for (std::size_t frame = 0; frame < shape_.frames; ++frame) reader_.Next();
 }
 
 }  // namespace bench

@@ -9,21 +9,26 @@
 
 namespace bench {
 
-/// The least that brings a datagram into a client's frame: a process that copies the datagram's bytes into a frame of the given size and
-/// sends it. Either on one thread, or handed over through as many queues as lie on the bridge's road.
+/// The least that brings a message into a client's frames: a process that copies the message's bytes into frames of the given size and
+/// sends them. Either on one thread, or handed over through as many queues as lie on the bridge's road.
 class Relay {
  public:
   enum class Road { oneThread, twoQueues };
+  /// Sizes of the message and of each frame's text.
+  struct Shape {
+    std::size_t message, text, frames;
+  };
 
-  Relay(Road road, std::size_t datagramSize, std::size_t textSize);
-  /// Sends a datagram and waits for its frame.
+  /// The message comes by `in`.
+  Relay(Road road, SocketPair in, Shape shape);
+  /// Sends a message and waits for its frames.
   void Trip();
 
  private:
-  Socket sender_, receiver_;
-  Socket listener_, client_, server_;
-  std::vector<unsigned char> datagram_;
-  FrameReader reader_{client_};
+  SocketPair in_, out_;
+  Shape shape_;
+  std::vector<unsigned char> message_;
+  FrameReader reader_{out_.client};
   Child child_;
 };
 

@@ -1,92 +1,71 @@
-#include "bench/fixed_values.h"
+#include "bench/bridge.h"
 #include "bench/measure.h"
-#include "bench/program.h"
+#include "bench/payloads.h"
 #include "bench/raw_websocket.h"
 #include "bench/relay.h"
-#include "binding/serialization/serializer.h"
-#include "model/records_charging_management_core.h"
+#include "bench/value_controls.h"
 #include "xr/com/wire/header.h"
 
-#include <chrono>
-#include <stdexcept>
+#include <cstdint>
 #include <string>
-#include <utility>
 
-// From the vehicle's datagram to the client's frame, with the log off and with the log at info, against a relay.
+// From the vehicle's message to the client's frames, with the log off and with the log at info, against a relay.
 namespace {
 
-namespace cmc = ylt::services::chargingmanagementcore::datatypes;
-using Visibility = cmc::DT_ChargingManagementCore_views_visibility;
-using namespace std::chrono_literals;
+/// What the vehicle tells over and over, each time with other values.
+struct Work {
+  std::string name;
+  std::string field;
+  bench::SocketPair (*pair)();  // of the field's protocol
+  std::size_t frames;
+  vehicle::Bytes (*payload)(std::uint32_t time);
+  std::string aim;
+};
 
-vehicle::Bytes Popup(Visibility visibility) {
-  cmc::DT_views_struct view;
-  view.type = cmc::DT_ChargingManagementCore_views_type::popup;
-  view.content = cmc::DT_ChargingManagementCore_views_content::chargingInformationScreen;
-  view.visibility = visibility;
-  vehicle::Bytes bytes;
-  xr::com::someip::serialization::serialize(bytes, std::vector{view}, {});
-  return bytes;
+/// A view that is visible and obstructed in turn.
+vehicle::Bytes View(std::uint32_t time) {
+  using Visibility = ylt::services::chargingmanagementcore::datatypes::DT_ChargingManagementCore_views_visibility;
+  if (time == 0) return bench::Popup(Visibility::newRequest);  // it enters
+  return bench::Popup(time % 2 == 0 ? Visibility::requestedViewObstructed : Visibility::requestedViewVisible);
 }
 
-/// A bridge between a vehicle and a client which are both on this thread, so that one clock sees both ends.
-class Bridge {
- public:
-  explicit Bridge(std::string_view program) : program_{program}, vehicle_{program_.Root().DeploymentPath()} {
-    program_.Start();
-    program_.FirstAnswer("/ChargingManagementCore/views");
-    const auto deadline = bench::Clock::now() + 20s;
-    while (vehicle_.SubscribedFields() < 16) {
-      if (bench::Clock::now() > deadline) throw std::runtime_error("the bridge has not subscribed to all fields");
-      vehicle_.Context().run_for(20ms);
-    }
-    client_ = bench::ConnectTcp(program_.Port());
-    bench::Upgrade(client_, reader_, program_.Port());
-    bench::SendText(client_, R"({"action":"subscribe","path":"/ChargingManagementCore/views","requestId":"1"})");
-    WaitFor("snapshot");
-    Notify(Visibility::newRequest);
-    WaitFor("added");
-  }
+vehicle::Bytes Controls(std::uint32_t time) {
+  return bench::Payload(bench::ValueControls(time));
+}
 
-  /// One notification that changes the view, up to its frame.
-  void Trip() {
-    Notify(std::exchange(
-        next_, next_ == Visibility::requestedViewVisible ? Visibility::requestedViewObstructed : Visibility::requestedViewVisible));
-    frameSize_ = reader_.Next().size();
+class Road {
+ public:
+  Road(bench::Bridge& bridge, const Work& work)
+      : work_{work}, bridge_{bridge}, client_{bench::Subscribed(bridge.program.Port(), "/ChargingManagementCore/" + work.field)} {
+    Trip();
   }
-  /// Lets the vehicle answer what has come meanwhile.
-  void Breathe() { vehicle_.Context().poll(); }
-  std::size_t FrameSize() const { return frameSize_; }
+  /// One notification up to the last of its frames.
+  void Trip() {
+    bridge_.vehicle.Notify(work_.field, work_.payload(times_++));
+    textSize_ = 0;
+    for (std::size_t frame = 0; frame < work_.frames; ++frame) textSize_ += reader_.Next().size();
+  }
+  bench::Relay::Shape Shape() const {
+    return {xr::com::wire::kHeaderSize + work_.payload(times_).size(), textSize_ / work_.frames, work_.frames};
+  }
 
  private:
-  void Notify(Visibility visibility) {
-    vehicle_.Set("views", Popup(visibility));
-    vehicle_.Notify("views");
-  }
-  void WaitFor(std::string_view word) {
-    while (reader_.Next().find(word) == std::string_view::npos) {
-    }
-  }
-
-  bench::Program program_;
-  bench::FixedValues vehicle_;
+  const Work& work_;
+  bench::Bridge& bridge_;
   bench::Socket client_;
   bench::FrameReader reader_{client_};
-  Visibility next_ = Visibility::requestedViewVisible;
-  std::size_t frameSize_ = 0;
+  std::uint32_t times_ = 0;
+  std::size_t textSize_ = 0;  // of all frames of a trip
 };
 
 constexpr std::size_t kTripsPerTurn = 300;
 
-}  // namespace
-
-int main() {
-  bench::PrintHead();
-  Bridge quiet{"quiet_bridge"}, logging{"charging_management_core"};
-  quiet.Trip();
-  const auto datagramSize = xr::com::wire::kHeaderSize + Popup(Visibility::newRequest).size();
-  bench::Relay twoQueues{bench::Relay::Road::twoQueues, datagramSize, quiet.FrameSize()};
-  bench::Relay oneThread{bench::Relay::Road::oneThread, datagramSize, quiet.FrameSize()};
+void Compare(const Work& work) {
+  bench::Bridge quietBridge{"quiet_bridge"}, loggingBridge{"charging_management_core"};
+  bench::Settle({&quietBridge, &loggingBridge});
+  Road quiet{quietBridge, work}, logging{loggingBridge, work};
+  bench::Relay twoQueues{bench::Relay::Road::twoQueues, work.pair(), quiet.Shape()};
+  bench::Relay oneThread{bench::Relay::Road::oneThread, work.pair(), quiet.Shape()};
 
   bench::Turns quietRoad, loggingRoad, twoQueuesFloor, oneThreadFloor;
   const auto turn = [](bench::Turns& turns, auto& trips) { turns.Add(bench::TimeEach(kTripsPerTurn, [&] { trips.Trip(); })); };
@@ -95,12 +74,20 @@ int main() {
     turn(twoQueuesFloor, twoQueues);
     turn(loggingRoad, logging);
     turn(oneThreadFloor, oneThread);
-    for (auto* bridge : {&quiet, &logging}) bridge->Breathe();
   }
-  bench::PrintRow("datagram to frame, log off / relay of two queues, median", "us", quietRoad.Median(), twoQueuesFloor.Median(), "<= 1.3");
-  bench::PrintRow("  p99 of the same", "us", quietRoad.P99(), twoQueuesFloor.P99(), "<= 1.3");
-  bench::PrintRow("datagram to frame, log off / relay of one thread, median", "us", quietRoad.Median(), oneThreadFloor.Median(), "");
-  bench::PrintRow("  p99 of the same", "us", quietRoad.P99(), oneThreadFloor.P99(), "");
-  bench::PrintRow("datagram to frame, log to a file / log off, median", "us", loggingRoad.Median(), quietRoad.Median(), "");
-  bench::PrintRow("  p99 of the same", "us", loggingRoad.P99(), quietRoad.P99(), "");
+  const auto print = [&](const char* what, const bench::Turns& road, const bench::Turns& floor, const std::string& aim) {
+    bench::PrintRow(work.name + what + ", median", "us", road.Median(), floor.Median(), aim);
+    bench::PrintRow("  p99 of the same", "us", road.P99(), floor.P99(), aim);
+  };
+  print(", log off / relay of two queues", quietRoad, twoQueuesFloor, work.aim);
+  print(", log off / relay of one thread", quietRoad, oneThreadFloor, "");
+  print(", log to a file / log off", loggingRoad, quietRoad, "");
+}
+
+}  // namespace
+
+int main() {
+  bench::PrintHead();
+  Compare({"datagram to frame", "views", bench::UdpPair, 1, View, "<= 1.3"});
+  Compare({"17 controls to 14 frames", "valueControls", bench::TcpPair, bench::kValueControlObjects, Controls, "<= 2"});
 }

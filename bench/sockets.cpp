@@ -123,4 +123,17 @@ std::uint16_t FreePort() {
   return ListenTcp().Port();
 }
 
+SocketPair UdpPair() {
+  SocketPair pair{OpenUdp(), OpenUdp()};
+  Join(pair.client, pair.server.Port());
+  Join(pair.server, pair.client.Port());
+  return pair;
+}
+
+SocketPair TcpPair() {
+  const auto listener = ListenTcp();
+  auto client = ConnectTcp(listener.Port());
+  return {std::move(client), Accept(listener)};
+}
+
 }  // namespace bench

@@ -3,12 +3,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 /// Plain blocking IPv4 sockets on loopback: what floors are made of, and what talks to the programs. All throw std::system_error.
 namespace bench {
 
 using Bytes = std::span<const unsigned char>;
 using Room = std::span<unsigned char>;
+
+inline Bytes AsBytes(std::string_view text) {
+  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
 
 /// A socket of its own that is closed with the object.
 class Socket {
@@ -46,5 +51,12 @@ Socket TryConnectTcp(std::uint16_t port);
 
 /// A TCP port that was free a moment ago.
 std::uint16_t FreePort();
+
+/// Two joined sockets, one for each side of a floor.
+struct SocketPair {
+  Socket client, server;
+};
+SocketPair UdpPair();
+SocketPair TcpPair();
 
 }  // namespace bench

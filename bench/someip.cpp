@@ -1,10 +1,10 @@
 #include "bench/child.h"
 #include "bench/fixed_values.h"
 #include "bench/measure.h"
+#include "bench/payloads.h"
 #include "bench/ping_pong.h"
 #include "bench/value_controls.h"
 #include "binding/generated/charging_management_core_proxy.h"
-#include "binding/serialization/serializer.h"
 #include "tests/support/temp_root.h"
 #include "xr/com/rport.h"
 #include "xr/com/runtime/component_singleton.h"
@@ -26,22 +26,6 @@ namespace {
 namespace cmc = ylt::services::chargingmanagementcore;
 namespace proxy = xr::com::cpp_binding::proxy;
 using Service = cmc::ChargingManagementCore;
-using vehicle::Bytes;
-
-template <class Record>
-Bytes Payload(const std::vector<Record>& records) {
-  Bytes bytes;
-  xr::com::someip::serialization::serialize(bytes, records, {});
-  return bytes;
-}
-
-Bytes ViewsPayload() {
-  cmc::datatypes::DT_views_struct view;
-  view.type = cmc::datatypes::DT_ChargingManagementCore_views_type::popup;
-  view.content = cmc::datatypes::DT_ChargingManagementCore_views_content::chargingInformationScreen;
-  view.visibility = cmc::datatypes::DT_ChargingManagementCore_views_visibility::newRequest;
-  return Payload(std::vector{view});
-}
 
 /// The client's end of the service that the other process offers.
 class Client {
@@ -84,7 +68,7 @@ struct Comparison {
         plain{pair(), Sizes()},
         handedOver{pair(), Sizes()} {}
 
-  bench::Sizes Sizes() const { return {xr::com::wire::kHeaderSize, xr::com::wire::kHeaderSize + replySize}; }
+  bench::Sizes Sizes() const { return {xr::com::wire::kHeaderSize, {xr::com::wire::kHeaderSize + replySize}}; }
 
   void Turn(Client& client) {
     constexpr std::size_t kTrips = 500;
@@ -112,14 +96,11 @@ int main() {
   bench::PrintHead();
   const test_support::TempRoot root;
   ::setenv("ARA_ROOT", root.Path().c_str(), 1);
-  const auto views = ViewsPayload();
-  const auto controls = Payload(bench::ValueControls());
+  const auto views = bench::Popup(cmc::datatypes::DT_ChargingManagementCore_views_visibility::newRequest);
+  const auto controls = bench::Payload(bench::ValueControls());
 
   const bench::Child server{[&] {
-    bench::FixedValues values{root.DeploymentPath()};
-    values.Set("views", views);
-    values.Set("valueControls", controls);
-    values.Context().run();
+    bench::FixedValues{root.DeploymentPath(), {{"views", views}, {"valueControls", controls}}}.Context().run();
   }};
   Comparison udp{"UDP", bench::UdpPair, Service::views::kIndex, views.size()};
   Comparison tcp{"TCP", bench::TcpPair, Service::valueControls::kIndex, controls.size()};

@@ -1,18 +1,15 @@
-#include "bench/fixed_values.h"
+#include "bench/bridge.h"
 #include "bench/measure.h"
 #include "bench/process_cost.h"
 #include "bench/program.h"
 
 #include "tests/support/process.h"
 
-#include <stdexcept>
-#include <string>
+#include <chrono>
 #include <vector>
 
 // How soon the bridge answers, and what it costs when nothing happens.
 namespace {
-
-using namespace std::chrono_literals;
 
 double MillisecondsToFirstAnswer() {
   bench::Program bridge{"charging_management_core"};
@@ -33,16 +30,13 @@ int main() {
   bench::PrintRow("start to the first answered GET", "ms", bench::Percentile(starts, 0.5), 0, "<= 150 ms");
 
   // At rest with a vehicle that is there and says nothing but its offers.
-  bench::Program bridge{"charging_management_core"};
-  bench::FixedValues vehicle{bridge.Root().DeploymentPath()};
-  bridge.Start();
-  vehicle.Context().run_for(5s);
-  if (vehicle.SubscribedFields() < 16) throw std::runtime_error("the bridge has not subscribed to all fields");
+  bench::Bridge bridge{"charging_management_core"};
+  bench::Settle({&bridge});
   constexpr std::chrono::seconds kRest{10};
-  const double before = bench::CpuNanoseconds(bridge.Pid());
-  vehicle.Context().run_for(kRest);
-  const double share = (bench::CpuNanoseconds(bridge.Pid()) - before) / std::chrono::duration<double, std::nano>(kRest).count();
-  bench::PrintRow("resident memory at rest", "MB", test_support::ResidentMegabytes(bridge.Pid()), 0, "<= 20 MB");
+  const double before = bench::CpuNanoseconds(bridge.program.Pid());
+  bridge.vehicle.Context().run_for(kRest);
+  const double share = (bench::CpuNanoseconds(bridge.program.Pid()) - before) / std::chrono::duration<double, std::nano>(kRest).count();
+  bench::PrintRow("resident memory at rest", "MB", test_support::ResidentMegabytes(bridge.program.Pid()), 0, "<= 20 MB");
   bench::PrintRow("CPU at rest", "%", 100 * share, 0, "< 0.1 %");
-  bridge.Stop();
+  bridge.program.Stop();
 }
