@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <vector>
 
 namespace system_test {
@@ -15,7 +16,7 @@ class NumberedTest : public SystemTest {
  protected:
   /// A scenario file with the values of this number.
   std::string WriteScenario(unsigned number, const std::string& name = "vehicle") {
-    const auto path = (root_.Path() / (name + ".json")).string();
+    auto path = (root_.Path() / (name + ".json")).string();
     std::ofstream{path} << NumberedScenario(number);
     return path;
   }
@@ -41,7 +42,7 @@ class NumberedTest : public SystemTest {
         },
         deadline);
     std::vector<std::string> names;
-    for (const auto& value : unseen) names.push_back(value.field);
+    std::transform(unseen.begin(), unseen.end(), std::back_inserter(names), [](const NumberedValue& value) { return value.field; });
     return names;
   }
 

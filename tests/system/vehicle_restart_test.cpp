@@ -63,16 +63,15 @@ class VehicleRestart : public NumberedTest {
     EXPECT_TRUE(WaitFor([this] { return AnnouncedServices() == 2; }, 1000ms));
   }
 
-  std::mt19937 random_;
+  const unsigned seed_ = Setting("VEHICLE_LOSS_SEED", std::random_device{}());
+  std::mt19937 random_{seed_};
   steady_clock::time_point offered_;
   std::pair<double, std::string> slowest_;  // seconds, and for which field
 };
 
 TEST_F(VehicleRestart, EachNewVehicleIsSubscribedAndCurrentWithinASecond) {
   const auto rounds = Setting("VEHICLE_LOSS_ROUNDS", 6);
-  const auto seed = Setting("VEHICLE_LOSS_SEED", std::random_device{}());
-  std::cout << "VEHICLE_LOSS_SEED=" << seed << '\n';
-  random_.seed(seed);
+  std::cout << "VEHICLE_LOSS_SEED=" << seed_ << '\n';
   StartVehicle(WriteScenario(1));
   StartBridge();
   ASSERT_THAT(Unseen(1, test_support::kPatience), testing::IsEmpty());
