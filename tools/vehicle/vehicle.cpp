@@ -178,7 +178,7 @@ void Vehicle::Do(const BreakTcp&) {
 }
 
 void Vehicle::Do(const Crash&) {
-  std::raise(SIGKILL);
+  (void)std::raise(SIGKILL);
 }
 
 void Vehicle::Do(const Restart&) {
@@ -200,7 +200,7 @@ void Vehicle::Do(const RepeatNotification& action) {
 
 void Vehicle::TellNext(const std::shared_ptr<Repetition>& repetition) {
   const auto& [field, payloads, gap] = repetition->action;
-  const auto next = [&] { return repetition->began + gap * repetition->told; };
+  const auto next = [&repetition, gap = gap] { return repetition->began + gap * repetition->told; };
   // What is late is told at once, so that the pace holds on the whole.
   const auto end = std::min(payloads.size(), repetition->told + kMostAtOnce);
   for (; repetition->told < end && next() <= std::chrono::steady_clock::now(); ++repetition->told) {

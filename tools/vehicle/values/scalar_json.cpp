@@ -52,14 +52,14 @@ std::string TextFromJson(const nlohmann::json& value, const Place& place) {
 
 Uuid16 UuidFromJson(const nlohmann::json& value, const Place& place) {
   const auto text = TextFromJson(value, place);
-  const BadInput wrong{place, "a UUID such as 00000000-0000-0000-0000-000000000001 is expected"};
-  if (text.size() != 36) throw wrong;
+  const auto wrong = [&] { return BadInput{place, "a UUID such as 00000000-0000-0000-0000-000000000001 is expected"}; };
+  if (text.size() != 36) throw wrong();
   Uuid16 uuid{};
   std::size_t at = 0;
   for (std::size_t i = 0; i < uuid.size(); ++i) {
-    if (DashBefore(i) && text[at++] != '-') throw wrong;
+    if (DashBefore(i) && text[at++] != '-') throw wrong();
     const int high = HexDigit(text[at++]), low = HexDigit(text[at++]);
-    if (high < 0 || low < 0) throw wrong;
+    if (high < 0 || low < 0) throw wrong();
     uuid[i] = static_cast<unsigned char>(high * 16 + low);
   }
   return uuid;
@@ -76,7 +76,7 @@ std::string UuidToText(const Uuid16& uuid) {
   for (std::size_t i = 0; i < uuid.size(); ++i) {
     if (DashBefore(i)) text += '-';
     char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", uuid[i]);
+    (void)std::snprintf(digits, sizeof digits, "%02x", uuid[i]);
     text += digits;
   }
   return text;
