@@ -23,8 +23,9 @@ const std::string& DateLine::Get() {
   static constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
   const auto t = Broken(now);
   std::array<char, 96> text{};
-  (void)std::snprintf(text.data(), text.size(), "Date: %s, %02d %s %04d %02d:%02d:%02d GMT\r\n\r\n", kDays[static_cast<std::size_t>(t.tm_wday)],
-                t.tm_mday, kMonths[static_cast<std::size_t>(t.tm_mon)], t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec);
+  (void)std::snprintf(text.data(), text.size(), "Date: %s, %02d %s %04d %02d:%02d:%02d GMT\r\n\r\n",
+                      kDays[static_cast<std::size_t>(t.tm_wday)], t.tm_mday, kMonths[static_cast<std::size_t>(t.tm_mon)], t.tm_year + 1900,
+                      t.tm_hour, t.tm_min, t.tm_sec);
   line_ = text.data();
   return line_;
 }
@@ -34,7 +35,7 @@ std::string Timestamp(std::chrono::system_clock::time_point time) {
   const auto t = Broken(static_cast<std::time_t>(since / 1000));
   std::array<char, 64> text{};
   (void)std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour,
-                t.tm_min, t.tm_sec, static_cast<int>(since % 1000));
+                      t.tm_min, t.tm_sec, static_cast<int>(since % 1000));
   return text.data();
 }
 
