@@ -18,7 +18,7 @@ Child::Child(const std::function<void()>& work) : pid_{::fork()} {
   try {
     work();
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "the other side of a floor: %s\n", error.what());
+    static_cast<void>(std::fprintf(stderr, "the other side of a floor: %s\n", error.what()));
   }
   ::_exit(1);  // the benchmark's objects are not this process's to end
 }

@@ -94,7 +94,7 @@ void Comparison::Print() const {
 std::string Filled(const bench::Program& bridge, const std::string& resource, const std::string& property, std::size_t count) {
   const auto deadline = bench::Clock::now() + 20s;
   for (;;) {
-    const auto answer = bridge.FirstAnswer(resource);
+    auto answer = bridge.FirstAnswer(resource);
     if (Count(answer, '"' + property + '"') == count) return answer;
     if (bench::Clock::now() > deadline) throw std::runtime_error("not all values have reached " + resource);
     std::this_thread::sleep_for(5ms);

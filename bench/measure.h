@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <string>
@@ -22,7 +23,7 @@ inline double Percentile(std::vector<double>& samples, double share) {
   if (samples.empty()) return 0;
   std::sort(samples.begin(), samples.end());
   const auto last = static_cast<double>(samples.size() - 1);
-  return samples[static_cast<std::size_t>(share * last + 0.5)];
+  return samples[static_cast<std::size_t>(std::lround(share * last))];
 }
 
 struct Quantiles {
@@ -69,7 +70,7 @@ inline void PrintRow(const std::string& work, const std::string& unit, double me
   } else {
     std::printf("%-64s %10.2f %10s %-6s %8s   %s\n", work.c_str(), measured, "-", unit.c_str(), "-", aim.c_str());
   }
-  std::fflush(stdout);
+  static_cast<void>(std::fflush(stdout));
 }
 
 inline void PrintHead() {

@@ -21,7 +21,7 @@ constexpr double kSpeed = 60;
 
 minutes Length() {
   const char* const wanted = std::getenv("BENCH_MEMORY_MINUTES");
-  return minutes{wanted ? std::atoi(wanted) : 20};
+  return minutes{wanted ? std::strtol(wanted, nullptr, 10) : 20};
 }
 
 class Client {

@@ -1,4 +1,4 @@
-#include "tests/system/resource_rows.h"
+#include "tests/system/rows.h"
 #include "tests/system/system_test.h"
 
 #include <algorithm>
@@ -10,16 +10,11 @@
 namespace system_test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 /// The rule of Europe/Berlin, known to a machine without zone files too.
 const std::string kBerlin = "CET-1CEST,M3.5.0,M10.5.0/3";
 
-std::vector<ResourceRow> AllRows() {
-  auto rows = kPlainRows;
-  rows.insert(rows.end(), kWideRows.begin(), kWideRows.end());
-  return rows;
-}
+const std::vector<ResourceRow> kRows = ResourceRows();
+const std::vector<RoadTexts> kRoadTexts = AllRoadTexts();
 
 /// The lines of a row on one of the two roads.
 Lines LinesOf(const ResourceRow& row, const std::string& noType) {
@@ -33,23 +28,22 @@ Lines LinesOf(const ResourceRow& row, const std::string& noType) {
 }
 
 Lines NotifiedLines(const ResourceRow& row) {
-  const auto texts =
-      std::find_if(kRoadTexts.begin(), kRoadTexts.end(), [&](const auto& t) { return row.field == std::string_view{t.field}; });
-  Lines lines{texts->received, texts->count + std::string{"1elements in the CachedSamples..."}};
-  if (*row.notified) lines.emplace_back(row.notified);
+  const auto texts = std::find_if(kRoadTexts.begin(), kRoadTexts.end(), [&](const auto& t) { return row.field == t.field; });
+  Lines lines{texts->received, texts->count + "1elements in the CachedSamples..."};
+  if (!row.notified.empty()) lines.push_back(row.notified);
   const auto rest = LinesOf(row, texts->noType);
   lines.insert(lines.end(), rest.begin(), rest.end());
   return lines;
 }
 
 /// The lines of one cycle of gets in which each field has the records of all its rows.
-Lines AskedLines(const std::vector<ResourceRow>& rows, const json& values) {
+Lines AskedLines(const json& values) {
   Lines lines{"[SomeIp][SomeIpGET -> Zuva] Entered fetch here...", "[SomeIp][SomeIpGET -> Zuva] Getting data from the someip server..."};
   for (const auto& texts : kRoadTexts) {
     lines.push_back("[SomeIp][SomeIpGET -> Zuva] There are " + std::to_string(values[texts.field].size()) + " elements in the " +
                     texts.asked + " Get vector...");
-    for (const auto& row : rows) {
-      if (row.field != std::string_view{texts.field}) continue;
+    for (const auto& row : kRows) {
+      if (row.field != texts.field) continue;
       const auto more = LinesOf(row, texts.noTypeAsked);
       lines.insert(lines.end(), more.begin(), more.end());
     }
@@ -96,10 +90,9 @@ class Roads : public SystemTest {
     return lines;
   }
 
-  static json Expected(const ResourceRow& row) { return row.members == std::string_view{"none"} ? json("none") : json::parse(row.members); }
   /// What clients see of the row's object, in the form of the row.
   json Seen(const ResourceRow& row) {
-    const auto elements = *row.type ? Elements(row.field) : Http().Get("/FactoryReset/resets").Json();
+    const auto elements = !row.type.empty() ? Elements(row.field) : Http().Get("/FactoryReset/resets").Json();
     for (const auto& element : elements) {
       if (element.value("type", "") != row.type) continue;
       auto members = json::object();
@@ -107,10 +100,10 @@ class Roads : public SystemTest {
         if (name != "id" && name != "name" && name != "uri" && name != "type" && !value.is_object()) members[name] = value;
       return members;
     }
-    return "none";
+    return {};
   }
   void ExpectSeen(const ResourceRow& row) {
-    EXPECT_TRUE(WaitFor([&] { return Seen(row) == Expected(row); }, Patience())) << row.name << " shows " << Seen(row);
+    EXPECT_TRUE(WaitFor([&] { return Seen(row) == row.members; }, Patience())) << row.name << " shows " << Seen(row);
   }
   /// A test that has failed hurries on to its other rows.
   static std::chrono::milliseconds Patience() { return HasFailure() ? 300ms : test_support::kPatience; }
@@ -120,16 +113,16 @@ TEST_F(Roads, EachNotificationIsToldInTheLogAndShownToClients) {
   Play({{"faults", FaultOfAllFields({{"get", {{"error", 1}}}})}});  // so that no get comes between
   ASSERT_TRUE(vehicle_->WaitUntilSubscribed());
   for (const auto& texts : kRoadTexts) {  // the present values, which have no records
-    EXPECT_TRUE(bridge_.Log().WaitForLine(texts.count + std::string{"1elements in the CachedSamples..."})) << texts.field;
+    EXPECT_TRUE(bridge_.Log().WaitForLine(texts.count + "1elements in the CachedSamples...")) << texts.field;
   }
   auto known = Told().size();
   const auto told = [&] {
     const auto lines = Told();
     return Lines{lines.begin() + static_cast<std::ptrdiff_t>(std::min(known, lines.size())), lines.end()};
   };
-  for (const auto& row : AllRows()) {
+  for (const auto& row : kRows) {
     const auto expected = NotifiedLines(row);
-    Set(row.field, json::parse(row.records));
+    Set(row.field.c_str(), row.records);
     WaitFor([&] { return told().size() >= expected.size(); }, Patience());
     EXPECT_EQ(Difference(told(), expected), "") << row.name << ", or a line too many of the row before";
     ExpectSeen(row);
@@ -138,11 +131,10 @@ TEST_F(Roads, EachNotificationIsToldInTheLogAndShownToClients) {
 }
 
 TEST_F(Roads, WhatCannotBeSubscribedComesWithTheGets) {
-  const auto rows = AllRows();
   json values;
   std::map<std::pair<std::string, std::string>, ResourceRow> last;  // of each object
-  for (const auto& row : rows) {
-    for (const auto& record : json::parse(row.records)) values[row.field].push_back(record);
+  for (const auto& row : kRows) {
+    for (const auto& record : row.records) values[row.field].push_back(record);
     last.insert_or_assign({row.field, row.type}, row);
   }
   values["targetSocChargings"] = json::parse(R"([{"type": "targetSocCharging"}, {"type": "targetSocCharging", "targetSoc": 85}])");
@@ -150,7 +142,7 @@ TEST_F(Roads, WhatCannotBeSubscribedComesWithTheGets) {
 
   Lines expected{"SomeipSync initial wait before sync ended successfully: true",
                  "[DataSync] Secondary thread about to do get requests to someip..."};
-  for (const auto& line : AskedLines(rows, values)) expected.push_back(line);
+  for (const auto& line : AskedLines(values)) expected.push_back(line);
   for (const char* line :
        {"[RBEC_Listener][SomeIpGET -> Zuva] Entered fetch here...",
         "[RBEC_Listener][SomeIpGET -> Zuva] Getting data from the someip server...",

@@ -119,5 +119,26 @@ TEST(MediatorLocks, UpdatesOfOneKindPassOneAfterAnotherAndHoldUpNoOtherKind) {
   }
 }
 
+// The control that shows the navigation's target shares the target's lock; every other control passes meanwhile.
+TEST(MediatorLocks, OnlyTheNavigationTargetsOwnControlWaitsForIt) {
+  using Type = cmc::DT_ChargingManagementCore_valueControls_type;
+  std::promise<void> inside, leave;
+  const auto rest = std::make_shared<Rest>();
+  ON_CALL(*rest, Update_NavTargetSoc).WillByDefault([&](auto&&) {
+    inside.set_value();
+    leave.get_future().wait();
+  });
+  CommunicationsManager manager;
+  manager.SetZuva(rest);
+  auto target = std::async(std::launch::async, [&] { manager.TellZuvaToUpdate_NavTargetSoc(1); });
+  inside.get_future().wait();
+  TellControl(manager, Type::bidirectionalChargingModesMinSoc);
+  auto own = std::async(std::launch::async, [&] { TellControl(manager, Type::immediateChargingOptionsNavTargetSoc); });
+  EXPECT_EQ(own.wait_for(std::chrono::milliseconds{50}), std::future_status::timeout);
+  leave.set_value();
+  own.get();
+  target.get();
+}
+
 }  // namespace
 }  // namespace trov::testing

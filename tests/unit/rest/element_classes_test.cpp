@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <ostream>
 #include <stdexcept>
 #include <string>
 
-#include "ara/rest/serialize/json_serializer.h"
 #include "tests/unit/rest/application.h"
 
 namespace rest_test {
@@ -18,58 +16,6 @@ template <class T>
 std::shared_ptr<T> Make() {
   return T::Make("name", ara::rest::Uuid::MakeV4(), {});
 }
-
-struct Posting {
-  const char* name;
-  const zuva::server::ElementModel& model;
-  const char* body;
-  int code = 200;
-  const char* text = "";
-
-  friend void PrintTo(const Posting& row, std::ostream* out) { *out << row.body; }
-};
-
-constexpr const char* kForeign = "Conflict: not allowed parameter(s) included";
-constexpr const char* kMissing = "Conflict: required parameter(s) missing";
-constexpr const char* kBad = "Bad Message";
-constexpr const char* kRange = "Bad Request: value not in allowed range";
-
-const Posting kPostings[] = {
-    {"EmptyObjectPasses", ViewObject::kModel, R"({})"},
-    {"IdPassesUnlookedAt", ValueControlObject::kModel, R"({"id":7})"},
-    {"ReadOnlyPropertyIsForeign", ValueControlObject::kModel, R"({"maxValue":5})", 409, kForeign},
-    {"LimitPasses", ValueControlObject::kModel, R"({"currentValue":3000})"},
-    {"AboveTheLimit", ValueControlObject::kModel, R"({"currentValue":3001})", 400, kRange},
-    {"Negative", ValueControlObject::kModel, R"({"currentValue":-1})", 400, kRange},
-    {"RealForInteger", ValueControlObject::kModel, R"({"currentValue":5.5})", 400, kBad},
-    {"NullForNumber", ValueControlObject::kModel, R"({"currentValue":null})", 400, kBad},
-    {"SpecialState", ValueControlObject::kModel, R"({"specialState":"off"})"},
-    {"FirstFaultIsTheValue", ValueControlObject::kModel, R"({"currentValue":3001,"nonsense":1})", 400, kRange},
-    {"FirstFaultIsTheName", ValueControlObject::kModel, R"({"nonsense":1,"currentValue":"5"})", 409, kForeign},
-    {"SwitchWordMisspelt", SwitchControlObject::kModel, R"({"switchValue":"chargingImmedieateActionTime"})"},
-    {"SwitchWordUnknown", SwitchControlObject::kModel, R"({"switchValue":"chargingImmediateActionTime"})", 400, kRange},
-    {"ViewContentIsForeign", ViewObject::kModel, R"({"content":"nothing"})", 409, kForeign},
-    {"PastErrorText", PastErrorInformationObject::kModel, R"({"confirmedByUser":"true"})", 400, kBad},
-    {"ResetEmpty", ResetObject::kModel, R"({})", 409, kMissing},
-    {"ResetMissingComesFirst", ResetObject::kModel, R"({"category":"wifi"})", 409, kMissing},
-    {"ResetForeign", ResetObject::kModel, R"({"isFactoryDefault":true,"category":"wifi"})", 409, kForeign},
-    {"ResetText", ResetObject::kModel, R"({"isFactoryDefault":"true"})", 400, kBad},
-};
-
-class PostedObject : public testing::TestWithParam<Posting> {};
-
-TEST_P(PostedObject, IsCheckedAgainstTheModel) {
-  const auto posted = ara::rest::serialize::JSONSerializer{}.Deserialize(GetParam().body);
-  zuva::ServerReply reply;
-  EXPECT_EQ(zuva::server::CheckPosted(GetParam().model, *posted, reply), GetParam().code == 200);
-  ASSERT_EQ(reply.IsAnswered(), GetParam().code != 200);
-  if (!reply.IsAnswered()) return;
-  EXPECT_EQ(reply.GetAnswer()->code, GetParam().code);
-  EXPECT_EQ(reply.GetAnswer()->text, GetParam().text);
-}
-
-INSTANTIATE_TEST_SUITE_P(Models, PostedObject, testing::ValuesIn(kPostings),
-                         [](const testing::TestParamInfo<Posting>& row) { return row.param.name; });
 
 template <class Step>
 std::string DomainErrorOf(Step&& step) {

@@ -5,10 +5,8 @@
 #include <chrono>
 #include <future>
 #include <memory>
-#include <set>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "ara/log/testing/capture.h"
 #include "tests/support/wait_for.h"
@@ -19,51 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr const char* kCore = "/ChargingManagementCore/";
-
-std::vector<std::string> Types(Application& application, const std::string& resource) {
-  std::vector<std::string> types;
-  for (const auto& object : application.Get(kCore + resource)) types.push_back(object["type"]);
-  return types;
-}
-
-TEST(Population, FillsTheResources) {
-  const auto application = Application::Populated();
-  const auto totals = nlohmann::json::parse(R"({"valueControls":14,"valueIndications":21,"switchControls":8,"notificationMarkers":3,
-      "notifications":6,"chargingProcessInformation":1,"pastErrorInformation":3,"batteryCareModes":1,"bidirectionalChargingModes":1,
-      "oruUpdateApprovals":1,"immediateChargingOptions":1,"immediateActions":1,"batteryPreconditioningEnergies":1,
-      "batteryPreconditionings":1,"views":0,"chargingPlugs":0,"chargeModes":0,"statistics":0})");
-  for (const auto& [resource, total] : totals.items()) EXPECT_EQ(application->Get(kCore + resource).size(), total) << resource;
-  std::set<std::string> identifiers;
-  for (const auto& object : application->Get(kCore + std::string{"valueControls"})) {
-    EXPECT_EQ(object.size(), 4U) << object;
-    EXPECT_EQ(object["name"], "ValueControlObject");
-    EXPECT_EQ(object["uri"], kCore + ("valueControls/" + object["id"].get<std::string>()));
-    identifiers.insert(object["id"]);
-  }
-  EXPECT_EQ(identifiers.size(), 14U);
-  const auto reset = application->Get("/FactoryReset/resets")[0];
-  EXPECT_EQ(reset["name"], "ChargingManagementCore");
-  EXPECT_EQ(reset["category"], "eCharging");
-}
-
-TEST(Population, ShowsCompositesInTheirOwnOrder) {
-  const auto application = Application::Populated();
-  EXPECT_THAT(Types(*application, "valueIndications")[7], "chargingProcessInformationRemainingChargeTimeFull");
-  std::vector<std::string> embedded;
-  const auto process = application->Object("chargingProcessInformation", "chargingProcessInformation");
-  for (const auto& [name, value] : process.items()) {
-    if (value.is_object()) embedded.push_back(name);
-  }
-  EXPECT_THAT(embedded, ElementsAre("currentSoc", "remainingChargeTimeBulk", "remainingChargeTimeComplete", "remainingChargeTimeFull",
-                                    "remainingChargeTimeNav", "chargeEnergy", "chargeRate", "chargePower", "maxPowerChargingStation",
-                                    "maxPowerDc", "maxPowerAc", "maxChargePowerCurrent", "maxChargePowerOptimalTemperature"));
-  const auto marker = application->Object("notificationMarkers", "notificationMarker2");
-  EXPECT_EQ(marker["notificationRangeValue"]["type"], "notificationMarker2notificationRangeValue");
-  const auto preconditioning = application->Object("batteryPreconditionings", "batteryPreconditioning");
-  EXPECT_EQ(preconditioning["batteryTemperature"]["type"], "batteryPreconditioningBatteryTemperature");
-}
 
 TEST(ServerCore, StartsInOrderAndPublishesItsServices) {
   Application application;

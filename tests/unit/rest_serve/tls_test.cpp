@@ -105,7 +105,7 @@ TEST_F(Tls, CarriesAnswersLongerThanARecord) {
   EXPECT_EQ(client.DrainError(), asio::error::eof) << "the end is told, so that a cut answer can be known";
 }
 
-TEST_F(Tls, AsksForTheBodyAndAnswersAnEarlyOne) {
+TEST_F(Tls, AsksForTheBodyOfAClientThatWaits) {
   SecureClient client{tree.port, own.certificate};
   client.Handshake();
   client.Send("POST " + path +

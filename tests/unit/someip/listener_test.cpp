@@ -221,18 +221,6 @@ TEST_F(Gets, ACycleAsksInItsOwnOrderAndAnEmptyAnswerChangesNothing) {
   EXPECT_EQ(log.Lines(), lines);
 }
 
-TEST_F(Gets, RecordsGoTheWayOfNotificationsWithWordsOfTheirOwn) {
-  EXPECT_CALL(*wrapper, SomeIp_Get(Resource::Views, _))
-      .WillOnce(Return(types::GetResultVariant{std::vector{ViewRecord(View::popup), ViewRecord({})}}));
-  EXPECT_CALL(*wrapper, SomeIp_Get(::testing::Ne(Resource::Views), _)).WillRepeatedly([](Resource resource, const auto&) {
-    return Empty(resource);
-  });
-  EXPECT_CALL(*mediator, TellZuvaToUpdate_Views(Eq(View::popup), _, _));
-  listener->FetchData();
-  EXPECT_THAT(log.Lines(), Contains("[SomeIp][SomeIpGET -> Zuva] There are 2 elements in the views Get vector..."));
-  EXPECT_THAT(log.Lines(), Contains("[SomeIp][SomeIp -> Zuva] View object has no type... Ignoring notification..."));
-}
-
 TEST_F(Gets, WhateverIsThrownEndsTheCycleInOneLine) {
   EXPECT_CALL(*wrapper, PrepareGets)
       .WillOnce(::testing::Throw(xr::com::Service_not_available_exception{}))
