@@ -21,12 +21,15 @@
 #include <string>
 #include <thread>
 
+#include <malloc.h>
+
 /// Builds the bridge, wires it, waits for a stop signal and takes the bridge down again.
 ///
 /// Everything that lives as long as the process is owned here. There is no recovery from a failed construction: the exception leaves
 /// main while the supervision thread runs, so the process ends by abort, and a half-built bridge never runs.
 int main() {
   app::InstallStopSignals();
+  ::mallopt(M_TRIM_THRESHOLD, 1024 * 1024);  // or each burst of frames would get its memory from the system anew
 
   static const std::string name = "TROV";
   static const std::string version = "1.10.10";

@@ -168,6 +168,7 @@ std::uint32_t ResourceNode::SlotOf(const std::shared_ptr<ServerElement>& element
   auto& slot = slots_[entry->second];
   if (slot.element != element) {
     slot.element = element;
+    slot.presentAt = 0;
     slot.tail = nullptr;
   }
   slot.generation = std::max(slot.generation, generation);
@@ -185,8 +186,13 @@ void ResourceNode::FreeSlot(std::uint32_t number) {
 }
 
 /// An element that was taken out may have another identity by now, though its removal is still to be told.
-bool ResourceNode::IsPresent(const Slot& slot) const {
-  return resource_->FindBySegmentOnIo(std::string_view{slot.path}.substr(slot.path.rfind('/') + 1)) == slot.element;
+bool ResourceNode::IsPresent(Slot& slot) const {
+  const auto& list = resource_->Current();
+  if (slot.presentAt != list.generation) {  // asked once for all subscribers
+    if (list.Find(std::string_view{slot.path}.substr(slot.path.rfind('/') + 1)) != slot.element) return false;
+    slot.presentAt = list.generation;
+  }
+  return true;
 }
 
 Member& ResourceNode::MemberOf(Seat& seat, std::uint32_t number) {

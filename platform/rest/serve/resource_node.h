@@ -45,7 +45,7 @@ class ResourceNode {
 
   std::uint32_t SlotOf(const std::shared_ptr<ServerElement>& element, std::string_view path, std::uint64_t generation);
   void FreeSlot(std::uint32_t number);
-  bool IsPresent(const Slot& slot) const;
+  bool IsPresent(Slot& slot) const;
   static Member& MemberOf(Seat& seat, std::uint32_t number);
 
   const std::shared_ptr<ServerResource> resource_;

@@ -55,6 +55,7 @@ struct Slot {
   std::shared_ptr<ServerElement> element;  ///< null: the slot is free
   std::string path;
   std::uint64_t generation = 0;  ///< of the latest list in which it was seen
+  std::uint64_t presentAt = 0;   ///< the list in which it was looked up last, and found
   std::uint64_t tailVersion = 0;
   std::shared_ptr<const std::string> tail;  ///< the `changed` frame of that version, shared by all subscribers
 };
