@@ -1,17 +1,15 @@
 #include "serve/connection.h"
 
-#include <cerrno>
 #include <utility>
 #include <vector>
 
-#include <sys/socket.h>
+#include <poll.h>
 
 namespace zuva::serve {
 
 bool HasLeft(boost::asio::ip::tcp::socket& socket) {
-  char next = 0;
-  const auto bytes = ::recv(socket.native_handle(), &next, 1, MSG_PEEK | MSG_DONTWAIT);
-  return bytes == 0 || (bytes < 0 && errno != EAGAIN && errno != EINTR);
+  pollfd state{socket.native_handle(), POLLRDHUP, 0};  // told even if unread bytes stand before it, such as the goodbye of TLS
+  return ::poll(&state, 1, 0) > 0;
 }
 
 void Connections::Add(std::shared_ptr<Connection> connection) {

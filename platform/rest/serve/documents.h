@@ -16,7 +16,7 @@ namespace zuva::serve {
 class Documents {
  public:
   /// Files beyond this size are not served, since they are read as a whole; nor is more than this kept.
-  static constexpr std::size_t kMostBytes = 16 * 1024 * 1024;
+  static constexpr std::size_t kMostBytes = std::size_t{16} * 1024 * 1024;
 
   /// Throws `ConfigError` if the path, taken below `ARA_ROOT`, is no folder.
   explicit Documents(const std::string& root);

@@ -99,8 +99,8 @@ void HttpSession::Abort() {
 }
 
 std::optional<Clock::time_point> HttpSession::IdleSince() const {
-  if (state_ != State::kIdle) return std::nullopt;
-  return since_;
+  const bool isIdle = state_ == State::kIdle || state_ == State::kShakingHands;  // neither has anything under way for its client
+  return isIdle ? std::optional{since_} : std::nullopt;
 }
 
 void HttpSession::Read() {

@@ -132,6 +132,35 @@ TEST_F(Tls, CarriesWebSockets) {
   stop.join();
 }
 
+TEST_F(Tls, TellsThatAClientHasLeftBehindItsGoodbye) {
+  const auto closed = std::make_shared<test::Gate>();
+  const auto thing = tree.things->AddThing("held up");
+  tree.Guard(*thing, closed);
+  const auto head = "POST " + thing->Path() + " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n";
+  SecureClient first{tree.port, own.certificate}, second{tree.port, own.certificate};
+  for (auto* const client : {&first, &second}) {
+    client->Handshake();
+    client->Send(head + "{}");
+  }
+  ASSERT_TRUE(closed->WaitForGuests(2));
+  {
+    SecureClient leaves{tree.port, own.certificate};
+    leaves.Handshake();
+    leaves.Send(head + "{}");
+    SSL_shutdown(leaves.Get().native_handle());
+  }
+  SecureClient other{tree.port, own.certificate};  // answered behind the bytes of the one before
+  other.Handshake();
+  other.Send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+  other.Receive();
+  closed->Open();
+  EXPECT_EQ(first.Receive().result_int(), 200U);
+  EXPECT_EQ(second.Receive().result_int(), 200U);
+  other.Send(head + "{}");
+  EXPECT_EQ(other.Receive().result_int(), 200U);
+  EXPECT_EQ(closed->Guests(), 3U) << "nobody works for the one that left";
+}
+
 TEST_F(Tls, RefusesOldVersionsPlainTextAndGarbage) {
   SecureClient old{tree.port, own.certificate, TLS1_1_VERSION};
   EXPECT_THROW(old.Handshake(), boost::system::system_error);
