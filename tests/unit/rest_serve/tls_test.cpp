@@ -132,7 +132,7 @@ TEST_F(Tls, CarriesWebSockets) {
   stop.join();
 }
 
-TEST_F(Tls, TellsThatAClientHasLeftBehindItsGoodbye) {
+TEST_F(Tls, TellsThatAClientHasLeftBehindWhatItSentLast) {
   const auto closed = std::make_shared<test::Gate>();
   const auto thing = tree.things->AddThing("held up");
   tree.Guard(*thing, closed);
@@ -143,16 +143,20 @@ TEST_F(Tls, TellsThatAClientHasLeftBehindItsGoodbye) {
     client->Send(head + "{}");
   }
   ASSERT_TRUE(closed->WaitForGuests(2));
+  SecureClient other{tree.port, own.certificate};
+  other.Handshake();
+  const auto waitForTheServer = [&] {
+    other.Send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    other.Receive();
+  };
   {
-    SecureClient leaves{tree.port, own.certificate};
+    SecureClient leaves{tree.port, own.certificate, TLS1_2_VERSION};  // 1.3 sends tickets, which unread would make the close a reset
     leaves.Handshake();
     leaves.Send(head + "{}");
-    SSL_shutdown(leaves.Get().native_handle());
+    waitForTheServer();  // so that what follows is not read together with the request
+    leaves.Send("more");
   }
-  SecureClient other{tree.port, own.certificate};  // answered behind the bytes of the one before
-  other.Handshake();
-  other.Send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
-  other.Receive();
+  waitForTheServer();
   closed->Open();
   EXPECT_EQ(first.Receive().result_int(), 200U);
   EXPECT_EQ(second.Receive().result_int(), 200U);
