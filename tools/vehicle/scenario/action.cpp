@@ -37,7 +37,7 @@ std::pair<std::string, Bytes> FieldAndBytes(const json& value, const Place& plac
 }
 
 std::vector<std::string> ParseServices(const json& value, const Place& place) {
-  const auto known = ServiceNames();
+  auto known = ServiceNames();
   if (value == true) return known;
   const auto name = TextFromJson(value, place);
   if (std::find(known.begin(), known.end(), name) == known.end()) throw BadInput{place, "no such service: " + name};
