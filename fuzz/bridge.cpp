@@ -13,6 +13,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
+#include <nlohmann/json.hpp>
 
 #include "ara/log/logging.h"
 #include "commmngr/communications_manager.h"
@@ -208,6 +209,11 @@ bool Client::Take() {
   if (size <= 0) return false;
   received_.append(bytes.data(), static_cast<std::size_t>(size));
   return true;
+}
+
+void CheckJson(std::string_view text) {
+  constexpr std::size_t kLongest = 4096;
+  if (text.size() <= kLongest && !nlohmann::json::accept(text)) Fail("this is no JSON: " + std::string{text});
 }
 
 std::vector<std::string_view> Cut(std::string_view bytes, std::size_t piece) {

@@ -21,6 +21,9 @@ wire::Deployment OwnDeployment() {
   constexpr int kPorts = 10000;
   auto deployment = wire::default_deployment();
   deployment.discovery.port = static_cast<std::uint16_t>(kFirstPort + getpid() % kPorts);  // apart from what else runs here
+  for (auto& service : deployment.services) {
+    for (auto& field : service.fields) field.reliable = false;
+  }
   return deployment;
 }
 
