@@ -32,6 +32,12 @@ if(CMC_SANITIZER)
   endif()
 endif()
 
+if(CMC_FUZZ)
+  # The fuzzer sees the ways through all code, not only through the targets' own.
+  target_compile_options(house INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_definitions(house INTERFACE _GLIBCXX_ASSERTIONS)
+endif()
+
 # cmc_library(<name> [ROOT <include root>] SOURCES <files…> [LINK <targets…>])
 # ROOT defaults to the top of the tree; a platform folder is an include root of its own.
 function(cmc_library name)

@@ -30,7 +30,7 @@ struct Member {
   std::uint64_t version = 0;  ///< content that the client was told last; 0: unknown
 };
 
-struct ResourceNode;
+class ResourceNode;
 
 /// A subscription's place at one resource.
 struct Seat {

@@ -170,7 +170,7 @@ void ServiceServer::OnSubscribe(const Endpoint& sender, const wire::Sd_entry& en
 
 void ServiceServer::OnRequest(Service& service, const Endpoint& peer, const wire::Message& message) {
   if (message.header.type != wire::Message_type::request) return;
-  const Reply reply = [this, &service, peer, header = message.header](const Answer& answer) {
+  const Reply reply = [&service, peer, header = message.header](const Answer& answer) {
     auto answered = header;
     answered.protocol_version = wire::kProtocolVersion;
     answered.type = answer.code == 0 ? wire::Message_type::response : wire::Message_type::error;

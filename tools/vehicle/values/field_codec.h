@@ -24,6 +24,8 @@ struct FieldCodec {
   /// appended if there is none; where records have no type the first one is meant. Throws a std::exception for a payload that does not
   /// decode.
   Bytes (*merged)(const Bytes& held, const Bytes& posted);
+  /// The payload decoded and encoded again. Throws a std::exception for one that does not decode.
+  Bytes (*recoded)(const Bytes& payload);
 };
 
 /// All fields of both services.

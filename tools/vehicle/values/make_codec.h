@@ -81,12 +81,17 @@ Bytes Merged(const Bytes& held, const Bytes& posted) {
   return Encoded(records);
 }
 
+template <class Record>
+Bytes Recoded(const Bytes& payload) {
+  return Encoded(Decoded<Record>(payload));
+}
+
 }  // namespace codec
 
 /// The row of one field in the table of codecs.
 template <class Record>
 constexpr FieldCodec MakeCodec(std::string_view field) {
-  return {field, &codec::FromJson<Record>, &codec::ToJson<Record>, &codec::Merged<Record>};
+  return {field, &codec::FromJson<Record>, &codec::ToJson<Record>, &codec::Merged<Record>, &codec::Recoded<Record>};
 }
 
 }  // namespace vehicle
