@@ -21,6 +21,10 @@ class Program {
   void Start();
   /// Waits until a GET of this path is answered with 200, and gives the whole answer. Throws std::runtime_error if that takes too long.
   std::string FirstAnswer(std::string_view path) const;
+  /// The same with any request.
+  std::string FirstAnswerTo(std::string_view request) const;
+  /// The elements of a resource, once there are some. Throws likewise.
+  nlohmann::json FirstElements(std::string_view resource) const;
 
   const test_support::TempRoot& Root() const { return root_; }
   std::uint16_t Port() const { return port_; }
@@ -34,7 +38,8 @@ class Program {
   std::unique_ptr<test_support::Process> process_;
 };
 
-/// A GET of a program on this port.
+/// Requests to a program on this port.
 std::string GetRequest(std::string_view path, std::uint16_t port);
+std::string PostRequest(std::string_view path, std::uint16_t port, const nlohmann::json& body);
 
 }  // namespace bench
