@@ -2,6 +2,7 @@
 #include "bench/child.h"
 #include "bench/fixed_values.h"
 #include "bench/load.h"
+#include "bench/load_turns.h"
 #include "bench/measure.h"
 #include "bench/payloads.h"
 #include "bench/program.h"
@@ -61,18 +62,6 @@ class Writers {
   std::vector<bench::Socket> sockets_;
 };
 
-struct Side {
-  std::vector<double> perSecond;
-  bench::Turns latency;
-
-  void Turn(bench::Load& load) {
-    const auto result = load.Run(kTurn);
-    perSecond.push_back(result.perSecond);
-    latency.Add(result.microseconds);
-  }
-  double PerSecond() const { return bench::QuantilesOf(perSecond).median; }
-};
-
 }  // namespace
 
 int main() {
@@ -91,15 +80,13 @@ int main() {
   bench::Load load{bridge.Port(), bench::GetRequest(path, bridge.Port()), bridge.FirstAnswer(path).size(), kConnections};
   Writers writers{bridge};
 
-  Side with, without;
+  bench::LoadTurns with, without;
   for (int turn = 0; turn < 15; ++turn) {
     writers.Ask();
-    with.Turn(load);
+    with.Add(load, bridge.Pid(), kTurn);
     writers.ExpectRefusals();
-    without.Turn(load);
+    without.Add(load, bridge.Pid(), kTurn);
   }
-  bench::PrintRow("GETs while 64 writers wait for a mute vehicle / without them", "1/s", with.PerSecond(), without.PerSecond(), ">= 0.95");
-  bench::PrintRow("  median of the same", "us", with.latency.Median(), without.latency.Median(), "");
-  bench::PrintRow("  p99 of the same", "us", with.latency.P99(), without.latency.P99(), "");
+  bench::PrintRows("GETs while 64 writers wait for a mute vehicle / without them", with, without, ">= 0.95", "");
   bridge.Stop();
 }

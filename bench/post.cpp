@@ -4,6 +4,7 @@
 #include "bench/measure.h"
 #include "bench/payloads.h"
 #include "bench/ping_pong.h"
+#include "bench/process_cost.h"
 #include "bench/program.h"
 #include "bench/sockets.h"
 #include "xr/com/wire/header.h"
@@ -56,6 +57,8 @@ class Bridge {
   }
   const std::string& Answer() const { return answer_; }
   std::uint16_t Port() const { return program_.Port(); }
+  pid_t Pid() const { return program_.Pid(); }
+  pid_t VehiclePid() const { return vehicle_.Pid(); }
 
  private:
   bench::Program program_;
@@ -67,6 +70,8 @@ class Road {
  public:
   explicit Road(const Bridge& bridge) : bridge_{bridge}, client_{bridge.Port(), bridge.Answer().size()} {}
   void Trip() { client_.Trip(bridge_.Request(++times_)); }
+  pid_t ServerPid() const { return bridge_.Pid(); }
+  pid_t OtherPid() const { return bridge_.VehiclePid(); }
 
  private:
   const Bridge& bridge_;
@@ -91,6 +96,8 @@ class Floor {
         server_{[&] { bench::RunAskingServer(listener_, bridge.Answer(), trip, pair_.client, SetSizes()); }},
         client_{listener_.Port(), bridge.Answer().size()} {}
   void Trip() { client_.Trip(request_); }
+  pid_t ServerPid() const { return server_.Pid(); }
+  pid_t OtherPid() const { return other_.Pid(); }
 
  private:
   std::string request_;
@@ -98,6 +105,34 @@ class Floor {
   bench::Socket listener_ = bench::ListenTcp();
   bench::Child other_, server_;
   Client client_;
+};
+
+/// What one of the ways gave turn by turn.
+class Side {
+ public:
+  template <class Way>
+  void Turn(Way& way) {
+    constexpr std::size_t kTrips = 300;
+    server_.Add(way.ServerPid(), [&] {
+      other_.Add(way.OtherPid(), [&] {
+        latency_.Add(bench::TimeEach(kTrips, [&] { way.Trip(); }));
+        return kTrips;
+      });
+      return kTrips;
+    });
+  }
+  static void PrintLatency(const std::string& what, const Side& road, const Side& floor, const std::string& aim) {
+    bench::PrintRow("POST of a value, " + what + ", median", "us", road.latency_.Median(), floor.latency_.Median(), aim);
+    bench::PrintRow("  p99 of the same", "us", road.latency_.P99(), floor.latency_.P99(), aim);
+  }
+  static void PrintCpu(const Side& road, const Side& floor) {
+    bench::PrintRow("  CPU of the server for each", "us", road.server_.Microseconds(), floor.server_.Microseconds(), "");
+    bench::PrintRow("  CPU of the vehicle, and of the other side", "us", road.other_.Microseconds(), floor.other_.Microseconds(), "");
+  }
+
+ private:
+  bench::Turns latency_;
+  bench::CpuTurns server_, other_;
 };
 
 }  // namespace
@@ -108,22 +143,15 @@ int main() {
   Floor threeQueues{bench::Trip::threeQueues, quietBridge}, oneThread{bench::Trip::oneThread, quietBridge};
   Road quiet{quietBridge}, logging{loggingBridge};
 
-  bench::Turns quietRoad, loggingRoad, threeQueuesFloor, oneThreadFloor;
-  const auto turn = [](bench::Turns& turns, auto& trips) {
-    constexpr std::size_t kTrips = 300;
-    turns.Add(bench::TimeEach(kTrips, [&] { trips.Trip(); }));
-  };
+  Side quietRoad, loggingRoad, threeQueuesFloor, oneThreadFloor;
   for (int i = 0; i < 25; ++i) {
-    turn(quietRoad, quiet);
-    turn(threeQueuesFloor, threeQueues);
-    turn(loggingRoad, logging);
-    turn(oneThreadFloor, oneThread);
+    quietRoad.Turn(quiet);
+    threeQueuesFloor.Turn(threeQueues);
+    loggingRoad.Turn(logging);
+    oneThreadFloor.Turn(oneThread);
   }
-  const auto print = [](const std::string& what, const bench::Turns& road, const bench::Turns& floor, const std::string& aim) {
-    bench::PrintRow("POST of a value, " + what + ", median", "us", road.Median(), floor.Median(), aim);
-    bench::PrintRow("  p99 of the same", "us", road.P99(), floor.P99(), aim);
-  };
-  print("log off / both trips and three queues", quietRoad, threeQueuesFloor, "<= 1.3");
-  print("log off / both trips on one thread", quietRoad, oneThreadFloor, "");
-  print("log to a file / log off", loggingRoad, quietRoad, "");
+  Side::PrintLatency("log off / both trips and three queues", quietRoad, threeQueuesFloor, "<= 1.3");
+  Side::PrintCpu(quietRoad, threeQueuesFloor);
+  Side::PrintLatency("log off / both trips on one thread", quietRoad, oneThreadFloor, "");
+  Side::PrintLatency("log to a file / log off", loggingRoad, quietRoad, "");
 }

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace bench {
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{20};
 
-Answer Ask(const Socket& connection, std::string_view request) {
+Answer Ask(const Channel& connection, std::string_view request) {
   connection.Send(AsBytes(request));
   Answer answer;
   std::array<unsigned char, 65536> room;
@@ -36,10 +37,11 @@ std::string PostRequest(std::string_view path, std::uint16_t port, const nlohman
          "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(text.size()) + "\r\n\r\n" + text;
 }
 
-Program::Program(std::string_view name, const nlohmann::json& limits) : port_{FreePort()}, name_{name} {
+Program::Program(std::string_view name, const nlohmann::json& settings)
+    : port_{FreePort()}, transport_{settings.contains("tls") ? Transport::tls : Transport::plain}, name_{name} {
   auto config = root_.DefaultRestConfig();
   config["listen"][0]["port"] = port_;
-  config["limits"] = limits;
+  config.update(settings);
   root_.WriteRestConfig(config.dump());
 }
 
@@ -59,8 +61,8 @@ std::string Program::FirstAnswer(std::string_view path) const {
 std::string Program::FirstAnswerTo(std::string_view request) const {
   const auto end = std::chrono::steady_clock::now() + kPatience;
   while (std::chrono::steady_clock::now() < end) {
-    if (const auto connection = TryConnectTcp(port_); connection.Number() >= 0) {
-      if (const auto answer = Ask(connection, request); answer.Status() == 200) return answer.Text();
+    if (auto connection = TryConnectTcp(port_); connection.Number() >= 0) {
+      if (const auto answer = Ask({std::move(connection), transport_}, request); answer.Status() == 200) return answer.Text();
     }
     std::this_thread::sleep_for(std::chrono::milliseconds{1});
   }

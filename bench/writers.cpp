@@ -85,7 +85,7 @@ std::vector<double> Run(std::vector<Writer>& writers) {
 int main() {
   bench::PrintHead();
   bench::StayOn(1);
-  bench::Program bridge{"charging_management_core", {{"queuedRequests", kWriters}}};
+  bench::Program bridge{"charging_management_core", {{"limits", {{"queuedRequests", kWriters}}}}};
   bridge.Start();
   const bench::Child vehicle{[&] {
     using Visibility = ylt::services::chargingmanagementcore::datatypes::DT_ChargingManagementCore_views_visibility;
