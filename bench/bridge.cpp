@@ -10,7 +10,7 @@ namespace bench {
 
 using namespace std::chrono_literals;
 
-Bridge::Bridge(std::string_view name, const nlohmann::json& limits) : program{name, limits}, vehicle{program.Root().DeploymentPath()} {
+Bridge::Bridge(std::string_view name, const nlohmann::json& settings) : program{name, settings}, vehicle{program.Root().DeploymentPath()} {
   program.Start();
   program.FirstAnswer("/ChargingManagementCore");
 }

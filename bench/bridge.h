@@ -13,7 +13,7 @@ namespace bench {
 /// A bridge whose vehicle is on the benchmark's own thread, so that one clock sees both ends.
 struct Bridge {
   /// Starts the program.
-  explicit Bridge(std::string_view name, const nlohmann::json& limits = nlohmann::json::object());
+  explicit Bridge(std::string_view name, const nlohmann::json& settings = nlohmann::json::object());
 
   Program program;
   FixedValues vehicle;

@@ -10,14 +10,14 @@
 
 namespace bench {
 
-Crowd::Crowd(std::vector<Socket> sockets, std::size_t textSize, std::string front)
+Crowd::Crowd(std::vector<Channel> channels, std::size_t textSize, std::string front)
     : textSize_{textSize}, front_{std::move(front)}, room_(textSize), epoll_{::epoll_create1(EPOLL_CLOEXEC)} {
-  for (auto& socket : sockets) members_.push_back({std::move(socket)});
+  for (auto& channel : channels) members_.push_back({std::move(channel)});
   for (auto& member : members_) {
     epoll_event event{};
     event.events = EPOLLIN;
     event.data.ptr = &member;
-    if (::epoll_ctl(epoll_.Number(), EPOLL_CTL_ADD, member.socket.Number(), &event) != 0)
+    if (::epoll_ctl(epoll_.Number(), EPOLL_CTL_ADD, member.channel.Number(), &event) != 0)
       throw std::system_error(errno, std::generic_category(), "epoll_ctl");
   }
 }
@@ -37,12 +37,14 @@ const std::vector<Crowd::Member*>& Crowd::Ready() {
 }
 
 bool Crowd::TakeOf(Member& member) {
-  const auto size = member.socket.Receive(room_);
-  const bool isFront = member.missing == textSize_;
-  const std::string_view text{reinterpret_cast<const char*>(room_.data()), size};
-  if (size > member.missing || (isFront && text.substr(0, front_.size()) != front_))
-    throw std::runtime_error("another answer than expected");
-  member.missing -= size;
+  do {
+    const auto size = member.channel.Receive(room_);
+    const bool isFront = member.missing == textSize_;
+    const std::string_view text{reinterpret_cast<const char*>(room_.data()), size};
+    if (size > member.missing || (isFront && text.substr(0, front_.size()) != front_))
+      throw std::runtime_error("another answer than expected");
+    member.missing -= size;
+  } while (member.channel.HasMore());
   return member.missing == 0;
 }
 

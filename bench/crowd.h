@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bench/channel.h"
 #include "bench/measure.h"
 #include "bench/sockets.h"
 
@@ -13,12 +14,12 @@ namespace bench {
 class Crowd {
  public:
   struct Member {
-    Socket socket;
+    Channel channel;
     std::size_t missing = 0;  ///< bytes of the text that it waits for
     Clock::time_point waitsSince{};
   };
 
-  Crowd(std::vector<Socket> sockets, std::size_t textSize, std::string front);
+  Crowd(std::vector<Channel> channels, std::size_t textSize, std::string front);
 
   std::vector<Member>& Members() { return members_; }
   /// From now on the member waits for a text.

@@ -1,5 +1,6 @@
 #include "bench/bare_server.h"
 #include "bench/bridge.h"
+#include "bench/channel.h"
 #include "bench/child.h"
 #include "bench/crowd.h"
 #include "bench/measure.h"
@@ -8,9 +9,8 @@
 #include "bench/raw_websocket.h"
 #include "bench/stay_on.h"
 #include "bench/value_controls.h"
+#include "tests/support/process.h"
 #include "xr/com/wire/header.h"
-
-#include <sys/resource.h>
 
 #include <cstdint>
 #include <functional>
@@ -42,10 +42,10 @@ std::string TextOf(bench::Bridge& bridge) {
 }
 
 template <class Connect>
-std::vector<bench::Socket> Clients(bench::Bridge& bridge, Connect&& connect) {
-  std::vector<bench::Socket> clients;
+std::vector<bench::Channel> Clients(bench::Bridge& bridge, Connect&& connect) {
+  std::vector<bench::Channel> clients;
   while (clients.size() < kClients) {
-    clients.push_back(connect());
+    clients.emplace_back(connect());
     bridge.vehicle.Context().poll();  // its offers must not run out meanwhile
   }
   return clients;
@@ -54,7 +54,7 @@ std::vector<bench::Socket> Clients(bench::Bridge& bridge, Connect&& connect) {
 /// One of the two servers with its clients, and what it gave turn by turn.
 class Side {
  public:
-  Side(pid_t server, std::vector<bench::Socket> clients, const std::string& text, std::function<void()> trigger)
+  Side(pid_t server, std::vector<bench::Channel> clients, const std::string& text, std::function<void()> trigger)
       : server_{server}, crowd_{std::move(clients), bench::ServerFrame(text).size(), Front(text)}, trigger_{std::move(trigger)} {}
 
   void Turn() {
@@ -86,21 +86,13 @@ class Side {
   bench::CpuTurns cpu_;
 };
 
-/// Both crowds at once, and this process's other files.
-void AllowManyFiles() {
-  rlimit limit{};
-  ::getrlimit(RLIMIT_NOFILE, &limit);
-  limit.rlim_cur = limit.rlim_max;
-  ::setrlimit(RLIMIT_NOFILE, &limit);
-}
-
 }  // namespace
 
 int main() {
   bench::PrintHead();
-  AllowManyFiles();
+  test_support::RaiseFileLimit();  // for both crowds at once
   bench::StayOn(1);
-  bench::Bridge bridge{"quiet_bridge", {{"connections", kClients + 10}, {"idleSeconds", 3600}}};
+  bench::Bridge bridge{"quiet_bridge", {{"limits", {{"connections", kClients + 10}, {"idleSeconds", 3600}}}}};
   bench::Settle({&bridge});
   const auto text = TextOf(bridge);
 

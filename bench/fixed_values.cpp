@@ -54,7 +54,8 @@ void FixedValues::OnGet(const std::string& field, vehicle::Reply reply) {
 }
 
 void FixedValues::OnSet(const std::string& field, const vehicle::Bytes& payload, vehicle::Reply reply) {
-  Set(field, payload);
+  if (ignoresSets_) return;
+  Set(field, vehicle::CodecOf(field, {}).merged(PresentValue(field), payload));
   reply({0, payload});
 }
 

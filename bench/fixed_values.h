@@ -15,13 +15,15 @@ namespace bench {
 std::map<std::string, vehicle::Bytes> ValuesOfEveryField();
 
 /// The vehicle's side without anything of its own to do: both services offered on 127.0.0.2, payloads as they are behind the server
-/// role. All on the thread that runs `Context()`.
+/// role. A set is taken and answered at once, and told to nobody. All on the thread that runs `Context()`.
 class FixedValues final : public vehicle::FieldHost {
  public:
   explicit FixedValues(const std::filesystem::path& deployment, std::map<std::string, vehicle::Bytes> payloads = {});
 
   /// Of all fields that were never set the value is an array of no records.
   void Set(const std::string& field, vehicle::Bytes payload) { payloads_[field] = std::move(payload); }
+  /// From now on no set is answered.
+  void IgnoreSets() { ignoresSets_ = true; }
   /// Sends a new value. What has come to the vehicle meanwhile is answered behind it.
   void Notify(const std::string& field, vehicle::Bytes payload);
   /// Whether the bridge has subscribed to all the fields that it reads, and has got each of them once.
@@ -44,6 +46,7 @@ class FixedValues final : public vehicle::FieldHost {
   boost::asio::io_context context_{1};
   std::map<std::string, vehicle::Bytes> payloads_;
   std::set<std::string> subscribed_, got_;
+  bool ignoresSets_ = false;
   vehicle::ServiceServer server_;
 };
 

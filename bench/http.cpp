@@ -2,8 +2,8 @@
 #include "bench/child.h"
 #include "bench/fixed_values.h"
 #include "bench/load.h"
+#include "bench/load_turns.h"
 #include "bench/measure.h"
-#include "bench/process_cost.h"
 #include "bench/program.h"
 #include "bench/stay_on.h"
 
@@ -13,7 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <vector>
 
 // GET of an element, a resource and a composite by sixteen kept connections, against a server that has nothing to look up.
 namespace {
@@ -21,32 +20,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t kConnections = 16;
-
-/// No two turns are equally long: a host that takes the CPU away in a beat of its own would meet the same server each time.
-std::chrono::milliseconds TurnLength(int turn) {
-  return std::chrono::milliseconds{130 + 37 * (turn * 5 % 7)};
-}
-
-/// What one of the two servers gave turn by turn.
-class Side {
- public:
-  void Turn(bench::Load& load, pid_t server, std::chrono::milliseconds length) {
-    cpu_.Add(server, [&] {
-      const auto result = load.Run(length);
-      perSecond_.push_back(result.perSecond);
-      latency_.Add(result.microseconds);
-      return result.answers;
-    });
-  }
-  double PerSecond() const { return bench::QuantilesOf(perSecond_).median; }
-  double CpuMicroseconds() const { return cpu_.Microseconds(); }
-  const bench::Turns& Latency() const { return latency_; }
-
- private:
-  std::vector<double> perSecond_;
-  bench::Turns latency_;
-  bench::CpuTurns cpu_;
-};
 
 std::size_t Count(const std::string& text, const std::string& word) {
   std::size_t count = 0;
@@ -62,7 +35,7 @@ std::string Body(const std::string& answer) {
 struct Comparison {
   std::string name;
   std::string aim, p99Aim;
-  Side road{}, floor{};
+  bench::LoadTurns road{}, floor{};
 
   void Turns(const bench::Program& bridge, const std::string& path);
   void Print() const;
@@ -78,16 +51,13 @@ void Comparison::Turns(const bench::Program& bridge, const std::string& path) {
   bench::Load bridgeLoad{bridge.Port(), bench::GetRequest(path, bridge.Port()), answer.size(), kConnections};
   bench::Load bareLoad{listener.Port(), bench::GetRequest(path, listener.Port()), answer.size(), kConnections};
   for (int turn = 0; turn < 5; ++turn) {
-    road.Turn(bridgeLoad, bridge.Pid(), TurnLength(2 * turn));
-    floor.Turn(bareLoad, bare.Pid(), TurnLength(2 * turn + 1));
+    road.Add(bridgeLoad, bridge.Pid(), bench::TurnLength(2 * turn));
+    floor.Add(bareLoad, bare.Pid(), bench::TurnLength(2 * turn + 1));
   }
 }
 
 void Comparison::Print() const {
-  bench::PrintRow("GET of " + name + ", 16 connections / bare Beast server", "1/s", road.PerSecond(), floor.PerSecond(), aim);
-  bench::PrintRow("  median of the same", "us", road.Latency().Median(), floor.Latency().Median(), "");
-  bench::PrintRow("  p99 of the same", "us", road.Latency().P99(), floor.Latency().P99(), p99Aim);
-  bench::PrintRow("  CPU of the server for each", "us", road.CpuMicroseconds(), floor.CpuMicroseconds(), "");
+  bench::PrintRows("GET of " + name + ", 16 connections / bare Beast server", road, floor, aim, p99Aim);
 }
 
 /// The answer for a resource when the vehicle's values are there: so many elements, embedded ones too, have the property.

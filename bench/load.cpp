@@ -7,16 +7,16 @@ namespace bench {
 
 namespace {
 
-std::vector<Socket> Connections(std::uint16_t port, std::size_t count) {
-  std::vector<Socket> sockets;
-  while (sockets.size() < count) sockets.push_back(ConnectTcp(port));
-  return sockets;
+std::vector<Channel> Connections(std::uint16_t port, std::size_t count, Transport transport) {
+  std::vector<Channel> channels;
+  while (channels.size() < count) channels.emplace_back(ConnectTcp(port), transport);
+  return channels;
 }
 
 }  // namespace
 
-Load::Load(std::uint16_t port, std::string request, std::size_t answerSize, std::size_t connections)
-    : request_{std::move(request)}, crowd_{Connections(port, connections), answerSize, "HTTP/1.1 200"} {}
+Load::Load(std::uint16_t port, std::string request, std::size_t answerSize, std::size_t connections, Transport transport)
+    : request_{std::move(request)}, crowd_{Connections(port, connections, transport), answerSize, "HTTP/1.1 200"} {}
 
 Load::Result Load::Run(std::chrono::milliseconds duration) {
   std::vector<double> samples;
@@ -42,7 +42,7 @@ Load::Result Load::Run(std::chrono::milliseconds duration) {
 
 void Load::Ask(Crowd::Member& member) const {
   crowd_.Expect(member);
-  member.socket.Send(AsBytes(request_));
+  member.channel.Send(AsBytes(request_));
 }
 
 }  // namespace bench

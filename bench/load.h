@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bench/channel.h"
 #include "bench/crowd.h"
 #include "bench/measure.h"
 
@@ -14,7 +15,7 @@ namespace bench {
 class Load {
  public:
   /// All answers have this size. Throws std::system_error if the server does not take the connections.
-  Load(std::uint16_t port, std::string request, std::size_t answerSize, std::size_t connections);
+  Load(std::uint16_t port, std::string request, std::size_t answerSize, std::size_t connections, Transport transport = Transport::plain);
 
   struct Result {
     double answers = 0;

@@ -9,6 +9,8 @@ std::vector<std::vector<unsigned char>> RoomsOf(const std::vector<std::size_t>& 
   return rooms;
 }
 
+}  // namespace
+
 void Serve(const Socket& server, const Sizes& sizes) {
   std::vector<unsigned char> request(sizes.request);
   const auto replies = RoomsOf(sizes.replies);
@@ -19,8 +21,6 @@ void Serve(const Socket& server, const Sizes& sizes) {
     }
   }
 }
-
-}  // namespace
 
 void Meeting::Come() {
   {

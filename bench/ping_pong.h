@@ -19,6 +19,9 @@ struct Sizes {
   std::vector<std::size_t> replies;
 };
 
+/// The other side of round trips: answers each request with the reply that is next. Does not return.
+void Serve(const Socket& server, const Sizes& sizes);
+
 /// One thread waits as often as another has come.
 class Meeting {
  public:

@@ -1,5 +1,6 @@
 #include "bench/program.h"
 
+#include "bench/answer.h"
 #include "bench/sockets.h"
 
 #include <array>
@@ -7,24 +8,21 @@
 #include <csignal>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace bench {
 
 namespace {
 
-std::string Ask(const Socket& connection, std::string_view request) {
+constexpr std::chrono::seconds kPatience{20};
+
+Answer Ask(const Channel& connection, std::string_view request) {
   connection.Send(AsBytes(request));
-  std::string answer;
-  std::array<unsigned char, 65536> piece;
-  for (;;) {
-    answer.append(reinterpret_cast<const char*>(piece.data()), connection.Receive(piece));
-    const auto headEnd = answer.find("\r\n\r\n");
-    if (headEnd == std::string::npos) continue;
-    constexpr std::string_view kLength = "Content-Length: ";
-    const auto length = answer.find(kLength);
-    if (length > headEnd) throw std::runtime_error("an answer without length: " + answer);
-    if (answer.size() >= headEnd + 4 + std::stoul(answer.substr(length + kLength.size()))) return answer;
+  Answer answer;
+  std::array<unsigned char, 65536> room;
+  while (!answer.Take({reinterpret_cast<const char*>(room.data()), connection.Receive(room)})) {
   }
+  return answer;
 }
 
 }  // namespace
@@ -33,10 +31,17 @@ std::string GetRequest(std::string_view path, std::uint16_t port) {
   return "GET " + std::string{path} + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n\r\n";
 }
 
-Program::Program(std::string_view name, const nlohmann::json& limits) : port_{FreePort()}, name_{name} {
+std::string PostRequest(std::string_view path, std::uint16_t port, const nlohmann::json& body) {
+  const auto text = body.dump();
+  return "POST " + std::string{path} + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
+         "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(text.size()) + "\r\n\r\n" + text;
+}
+
+Program::Program(std::string_view name, const nlohmann::json& settings)
+    : port_{FreePort()}, transport_{settings.contains("tls") ? Transport::tls : Transport::plain}, name_{name} {
   auto config = root_.DefaultRestConfig();
   config["listen"][0]["port"] = port_;
-  config["limits"] = limits;
+  config.update(settings);
   root_.WriteRestConfig(config.dump());
 }
 
@@ -50,14 +55,29 @@ void Program::Start() {
 }
 
 std::string Program::FirstAnswer(std::string_view path) const {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{20};
+  return FirstAnswerTo(GetRequest(path, port_));
+}
+
+std::string Program::FirstAnswerTo(std::string_view request) const {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
   while (std::chrono::steady_clock::now() < end) {
-    if (const auto connection = TryConnectTcp(port_); connection.Number() >= 0) {
-      if (auto answer = Ask(connection, GetRequest(path, port_)); answer.starts_with("HTTP/1.1 200")) return answer;
+    if (auto connection = TryConnectTcp(port_); connection.Number() >= 0) {
+      if (const auto answer = Ask({std::move(connection), transport_}, request); answer.Status() == 200) return answer.Text();
     }
     std::this_thread::sleep_for(std::chrono::milliseconds{1});
   }
-  throw std::runtime_error(name_ + " does not answer " + std::string{path});
+  throw std::runtime_error(name_ + " does not answer " + std::string{request});
+}
+
+nlohmann::json Program::FirstElements(std::string_view resource) const {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (std::chrono::steady_clock::now() < end) {
+    const auto answer = FirstAnswer(resource);
+    auto elements = nlohmann::json::parse(answer.substr(answer.find("\r\n\r\n")));
+    if (!elements.empty()) return elements;
+    std::this_thread::sleep_for(std::chrono::milliseconds{1});
+  }
+  throw std::runtime_error(name_ + " shows nothing of " + std::string{resource});
 }
 
 void Program::Stop() {

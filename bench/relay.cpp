@@ -1,9 +1,8 @@
 #include "bench/relay.h"
 
+#include "bench/queue.h"
+
 #include <algorithm>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
@@ -13,30 +12,6 @@ namespace bench {
 namespace {
 
 using Message = std::vector<unsigned char>;
-
-/// Unbounded, since the benchmark sends one at a time.
-class Queue {
- public:
-  void Push(Message message) {
-    {
-      const std::lock_guard lock{mutex_};
-      waiting_.push_back(std::move(message));
-    }
-    change_.notify_one();
-  }
-  Message Pop() {
-    std::unique_lock lock{mutex_};
-    change_.wait(lock, [this] { return !waiting_.empty(); });
-    auto message = std::move(waiting_.front());
-    waiting_.pop_front();
-    return message;
-  }
-
- private:
-  std::mutex mutex_;  // guards waiting_
-  std::deque<Message> waiting_;
-  std::condition_variable change_;
-};
 
 Message Received(const Socket& socket, std::size_t size) {
   Message message(size);
@@ -69,7 +44,7 @@ void RunOnOneThread(const Socket& in, Frames out, std::size_t size) {
 }
 
 void RunThroughTwoQueues(const Socket& in, Frames out, std::size_t size) {
-  Queue first, second;
+  Queue<Message> first, second;
   const std::thread middle{[&] {
     for (;;) second.Push(first.Pop());
   }};

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Builds the release preset and prints one table of what the product costs. Never a test: look at the ratios.
 #   bench/run.sh            all benchmarks but memory, which takes twenty minutes
-#   bench/run.sh http road  some of them: codec log_line someip get_cycle http road fan_out sustained start memory
+#   bench/run.sh http road  some of them: codec log_line someip get_cycle http tls post writers mute_vehicle road fan_out sustained start memory
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/setup.sh
 
-usual=(codec log_line someip get_cycle http road fan_out sustained start)
+usual=(codec log_line someip get_cycle http tls post writers mute_vehicle road fan_out sustained start)
 all=("${usual[@]}" memory)
 chosen=("$@")
 [ $# -gt 0 ] || chosen=("${usual[@]}")

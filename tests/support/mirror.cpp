@@ -4,13 +4,13 @@
 
 namespace test_support {
 
-void Mirror::Subscribe(const std::string& service) {
-  client_.Send({{"action", "subscribe"}, {"path", service}, {"requestId", service}});
+void Mirror::Subscribe(const std::string& path) {
+  client_.Send({{"action", "subscribe"}, {"path", path}, {"requestId", path}});
   while (const auto message = client_.Receive()) {
     Take(*message);
-    if (message->value("event", "") == "snapshot" && message->value("path", "") == service) return;
+    if (message->value("event", "") == "snapshot" && message->value("path", "") == path) return;
   }
-  throw std::runtime_error("no snapshot of " + service);
+  throw std::runtime_error("no snapshot of " + path);
 }
 
 void Mirror::CatchUp() {
@@ -19,14 +19,26 @@ void Mirror::CatchUp() {
 
 void Mirror::Take(const nlohmann::json& message) {
   const auto event = message.value("event", "");
+  const auto path = message.value("path", "");
+  bool follows = true;
   if (event == "snapshot") {
-    for (const auto& resource : message["data"])
-      for (const auto& element : resource) elements_[element["uri"]] = element;
-  } else if (event == "added" || event == "changed") {
-    elements_[message["path"]] = message["data"];
+    const auto& data = message["data"];
+    if (data.is_array()) return Hold(data);
+    for (const auto& resource : data) Hold(resource);
+  } else if (event == "added") {
+    follows = elements_.emplace(path, message["data"]).second;
+  } else if (event == "changed") {
+    const auto held = elements_.find(path);
+    follows = held != elements_.end();
+    if (follows) held->second = message["data"];
   } else if (event == "removed") {
-    elements_.erase(message["path"].get<std::string>());
+    follows = elements_.erase(path) == 1;
   }
+  if (!follows) throw std::runtime_error(event + " does not follow: " + path);
+}
+
+void Mirror::Hold(const nlohmann::json& elements) {
+  for (const auto& element : elements) elements_[element["uri"]] = element;
 }
 
 }  // namespace test_support

@@ -2,12 +2,14 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <fstream>
+#include <iterator>
 #include <ostream>
 #include <stdexcept>
 #include <system_error>
@@ -48,11 +50,17 @@ int OpenForOutput(const std::filesystem::path& path) {
   ::dup2(input, STDIN_FILENO);
   ::dup2(output, STDOUT_FILENO);
   ::dup2(error, STDERR_FILENO);
+  ::close_range(STDERR_FILENO + 1, ~0U, 0);  // a client's socket would stay open as long as a child has it too
   sigset_t none;
   ::sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
   ::execve(program, arguments, environment);
   ::_exit(127);
+}
+
+std::size_t Entries(pid_t process, const char* folder) {
+  const std::filesystem::directory_iterator entries{"/proc/" + std::to_string(process) + "/" + folder};
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
 }  // namespace
@@ -68,6 +76,21 @@ double ResidentMegabytes(pid_t process) {
     if (word == "VmRSS:" && status >> kilobytes) return kilobytes / 1024;
   }
   throw std::runtime_error("no resident memory in the process's status");
+}
+
+std::size_t OpenFiles(pid_t process) {
+  return Entries(process, "fd");
+}
+std::size_t Threads(pid_t process) {
+  return Entries(process, "task");
+}
+
+std::size_t RaiseFileLimit() {
+  rlimit limit{};
+  ::getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = limit.rlim_max;
+  ::setrlimit(RLIMIT_NOFILE, &limit);
+  return static_cast<std::size_t>(limit.rlim_cur);
 }
 
 std::filesystem::path ProgramBesideThisTest(std::string_view name) {

@@ -31,6 +31,12 @@ struct ProcessOptions {
 
 /// How much of a process stands in memory. Throws std::runtime_error if there is no such process.
 double ResidentMegabytes(pid_t process);
+/// How many descriptors it has open, and how many threads.
+std::size_t OpenFiles(pid_t process);
+std::size_t Threads(pid_t process);
+
+/// Raises this process's limit of open files as far as it may, for itself and what it starts, and gives it.
+std::size_t RaiseFileLimit();
 
 /// The path of a program that was built into the same folder as the running test.
 std::filesystem::path ProgramBesideThisTest(std::string_view name);

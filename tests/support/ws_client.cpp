@@ -140,6 +140,10 @@ nlohmann::json WsClient::Subscribe(std::string_view path) {
   return std::move(*snapshot);
 }
 
+bool WsClient::IsOpen() const {
+  return !connection_->closed;
+}
+
 std::optional<unsigned> WsClient::WaitForClose(std::chrono::milliseconds deadline) {
   auto& c = *connection_;
   if (!c.RunUntil([&] { return c.closed; }, Clock::now() + deadline)) return {};

@@ -33,6 +33,8 @@ class WsClient {
   /// Subscribes, and gives the snapshot that comes first.
   nlohmann::json Subscribe(std::string_view path);
 
+  /// False once the end of the connection has been read.
+  bool IsOpen() const;
   /// Reads on until the server has closed, and gives its close code (1006 for an end without one); nothing if it does not close.
   std::optional<unsigned> WaitForClose(std::chrono::milliseconds deadline = kPatience);
   void Close();

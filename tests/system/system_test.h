@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -25,6 +26,12 @@ inline constexpr bool kSanitized = false;
 #endif
 
 inline const std::string kViews = "/ChargingManagementCore/views";
+
+/// A number from the environment, with which a test is made longer or bigger.
+inline unsigned Setting(const char* name, unsigned otherwise) {
+  const char* given = std::getenv(name);
+  return given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : otherwise;
+}
 
 /// The records of the popup view as the vehicle tells it.
 inline json Popup(const char* visibility) {

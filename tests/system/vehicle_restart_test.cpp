@@ -1,6 +1,5 @@
 #include "tests/system/numbered_test.h"
 
-#include <cstdlib>
 #include <iostream>
 #include <random>
 #include <thread>
@@ -10,12 +9,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-/// A number from the environment: VEHICLE_LOSS_ROUNDS for a long run, VEHICLE_LOSS_SEED to repeat one.
-unsigned Setting(const char* name, unsigned otherwise) {
-  const char* given = std::getenv(name);
-  return given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : otherwise;
-}
 
 /// How a vehicle ends, and how long nobody is there then.
 struct End {
@@ -63,14 +56,14 @@ class VehicleRestart : public NumberedTest {
     EXPECT_TRUE(WaitFor([this] { return AnnouncedServices() == 2; }, 1000ms));
   }
 
-  const unsigned seed_ = Setting("VEHICLE_LOSS_SEED", std::random_device{}());
+  const unsigned seed_ = Setting("VEHICLE_LOSS_SEED", std::random_device{}());  // given to repeat a run
   std::mt19937 random_{seed_};
   steady_clock::time_point offered_;
   std::pair<double, std::string> slowest_;  // seconds, and for which field
 };
 
 TEST_F(VehicleRestart, EachNewVehicleIsSubscribedAndCurrentWithinASecond) {
-  const auto rounds = Setting("VEHICLE_LOSS_ROUNDS", 6);
+  const auto rounds = Setting("VEHICLE_LOSS_ROUNDS", 6);  // more for a long run
   std::cout << "VEHICLE_LOSS_SEED=" << seed_ << '\n';
   StartVehicle(WriteScenario(1));
   StartBridge();

@@ -81,7 +81,7 @@ void Vehicle::Execute(const Action& action) {
 }
 
 void Vehicle::OnGet(const std::string& field, Reply reply) {
-  reporter_.Tell("get", {{"field", field}});
+  reporter_.Tell("get", {{"field", field}, {"value", InWords(field, values_.at(field))}});
   const auto behaviour = BehaviourOf(onGet_, field);
   Later(behaviour.delay, [this, behaviour, field, reply = std::move(reply)] {
     if (behaviour.kind == Behaviour::Kind::good) reply({0, values_.at(field)});

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <boost/asio/ip/v6_only.hpp>
+#include <boost/asio/post.hpp>
 
 #include "zuva/logger.h"
 
@@ -53,7 +54,11 @@ void Listener::AcceptNext() {
       GetLogger().LogWarn() << "A connection could not be taken: " << error.message();
       return AcceptLater();
     }
-    AcceptNext();  // first: trouble with one client does not end the listening
+    // Asked for first, since trouble with one client does not end the listening; begun behind what the client has sent already, so that it
+    // does not give way to the next one as if it were idle.
+    asio::post(acceptor_.get_executor(), [this] {
+      if (acceptor_.is_open()) AcceptNext();
+    });
     taker_(std::move(socket));
   });
 }

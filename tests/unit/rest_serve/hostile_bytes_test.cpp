@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/rest_serve/raw_socket.h"
+#include "tests/support/raw_socket.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
 namespace {
 
-using test::ClientFrame;
-using test::RawSocket;
+using test_support::ClientFrame;
+using test_support::RawSocket;
 
 class HostileBytes : public testing::Test {
  protected:

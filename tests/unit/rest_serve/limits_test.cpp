@@ -8,14 +8,14 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/rest_serve/raw_socket.h"
+#include "tests/support/raw_socket.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
 namespace {
 
 using nlohmann::json;
-using test::RawSocket;
+using test_support::RawSocket;
 using test::ServedTree;
 
 json With(const json& limits) {
@@ -69,7 +69,7 @@ TEST(Limits, AWebSocketThatAnswersPingsLivesOnAndOneThatDoesNotIsDropped) {
   silent.Upgrade();
   auto end = std::async(std::launch::async, [&] { return silent.ReadToEnd(); });
   while (end.wait_for(std::chrono::seconds{0}) != std::future_status::ready) EXPECT_FALSE(alive.Receive(std::chrono::milliseconds{10}));
-  const auto heard = test::Frames(end.get());
+  const auto heard = test_support::Frames(end.get());
   ASSERT_EQ(heard.size(), 1U);
   EXPECT_EQ(heard[0].operation, 9) << "a ping";
   EXPECT_TRUE(silent.HasEnded());
@@ -81,10 +81,10 @@ TEST(Limits, AWebSocketThatSendsButDoesNotReadIsPingedOnceAtATimeAndDoesNotOutli
   tree.things->AddThing("big")->Set("text", std::string(256U << 10U, 'x'));
   RawSocket deaf{tree.port, 4096};
   deaf.Upgrade();
-  for (int i = 0; i < 20; ++i) deaf.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
+  for (int i = 0; i < 20; ++i) deaf.Send(test_support::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
   for (int i = 0; i < 4; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds{700});  // a ping falls due, and cannot be sent
-    deaf.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/","requestId":1})"));
+    deaf.Send(test_support::ClientFrame(0x81, R"({"action":"get","path":"/","requestId":1})"));
   }
   auto stopped = std::async(std::launch::async, [&] { tree.server->Stop(true); });
   EXPECT_EQ(stopped.wait_for(std::chrono::seconds{5}), std::future_status::ready);

@@ -7,13 +7,13 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/rest_serve/raw_socket.h"
+#include "tests/support/raw_socket.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
 namespace {
 
-using test::RawSocket;
+using test_support::RawSocket;
 using test::ServedTree;
 
 std::size_t Threads() {
@@ -44,7 +44,7 @@ TEST(Stop, EndsClientsOfEveryKindAndAllThreads) {
   RawSocket lazy{tree.port, 4096};  // takes neither its answers nor the close
   lazy.Upgrade();
   tree.things->AddThing("big")->Set("text", std::string(256U << 10U, 'x'));
-  for (int i = 0; i < 32; ++i) lazy.Send(test::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
+  for (int i = 0; i < 32; ++i) lazy.Send(test_support::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
   EXPECT_TRUE(socket.Ask({{"action", "get"}, {"path", "/"}}).contains("data"));
   auto stopped = std::async(std::launch::async, [&] { tree.server->Stop(true); });
   EXPECT_EQ(socket.WaitForClose(), 1001U);

@@ -6,14 +6,14 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/rest_serve/raw_socket.h"
+#include "tests/support/raw_socket.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
 namespace {
 
 using nlohmann::json;
-using test::RawSocket;
+using test_support::RawSocket;
 using test::ServedTree;
 
 std::string Event(const std::optional<json>& message) {
@@ -105,7 +105,7 @@ class SlowClient : public testing::Test {
  protected:
   SlowClient() {
     slow.Upgrade();
-    slow.Send(test::ClientFrame(0x81, R"({"action":"subscribe","path":"/S/things","requestId":1})"));
+    slow.Send(test_support::ClientFrame(0x81, R"({"action":"subscribe","path":"/S/things","requestId":1})"));
     slow.ReadUntil("snapshot");
     healthy.Subscribe("/S/things");
   }

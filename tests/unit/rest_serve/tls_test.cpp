@@ -15,7 +15,7 @@
 #include <boost/beast/websocket.hpp>
 #include <boost/beast/websocket/ssl.hpp>
 
-#include "tests/unit/rest_serve/certificate.h"
+#include "tests/support/certificate.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
@@ -76,7 +76,7 @@ class Tls : public testing::Test {
     path = thing->Path();
   }
 
-  test::Certificate own = test::MakeCertificate();
+  test_support::Certificate own = test_support::MakeCertificate();
   std::shared_ptr<test::Gate> gate = std::make_shared<test::Gate>();
   test::ServedTree tree{kTls, {{"/cert.pem", own.certificate}, {"/key.pem", own.key}}};
   std::string path;
@@ -189,7 +189,7 @@ TEST_F(Tls, KnowsItsOriginByTheScheme) {
 }
 
 TEST(TlsLimits, EndAHandshakeThatDoesNotCome) {
-  const auto own = test::MakeCertificate();
+  const auto own = test_support::MakeCertificate();
   auto settings = kTls;
   settings["limits"] = {{"requestSeconds", 1}};
   test::ServedTree tree{settings, {{"/cert.pem", own.certificate}, {"/key.pem", own.key}}};
@@ -199,7 +199,7 @@ TEST(TlsLimits, EndAHandshakeThatDoesNotCome) {
 }
 
 TEST(TlsFiles, ThatCannotBeUsedStopTheStart) {
-  const auto own = test::MakeCertificate(), other = test::MakeCertificate();
+  const auto own = test_support::MakeCertificate(), other = test_support::MakeCertificate();
   const auto start = [](const std::string& certificate, const std::string& key) {
     return test::TestTree{kTls, nullptr, {{"/cert.pem", certificate}, {"/key.pem", key}}};
   };

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace zuva::serve::test {
+namespace test_support {
 
 /// A TCP connection to 127.0.0.1 for bytes as they are. What does not come in time ends a read; nothing throws.
 class RawSocket {
@@ -20,13 +21,17 @@ class RawSocket {
   /// Reads until `mark` has come, or the other side has closed; gives all up to and with the mark.
   std::string ReadUntil(std::string_view mark);
   std::string ReadToEnd();
+  /// What is there, as many bytes at most.
+  std::string Read(std::size_t most);
   bool HasEnded() const { return ended_; }
 
   /// Upgrades to a WebSocket.
   void Upgrade();
 
  private:
-  bool ReadMore();
+  static constexpr std::size_t kPiece = 65536;
+
+  bool ReadMore(std::size_t most = kPiece);
 
   int socket_;
   std::string kept_;  // read beyond a mark
@@ -43,4 +48,4 @@ struct ServerFrame {
 };
 std::vector<ServerFrame> Frames(std::string_view bytes);
 
-}  // namespace zuva::serve::test
+}  // namespace test_support

@@ -1,4 +1,4 @@
-#include "tests/unit/rest_serve/certificate.h"
+#include "tests/support/certificate.h"
 
 #include <memory>
 
@@ -6,7 +6,7 @@
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
-namespace zuva::serve::test {
+namespace test_support {
 namespace {
 
 template <auto Free>
@@ -48,4 +48,4 @@ Certificate MakeCertificate() {
   return {TextOf(certificateText), TextOf(keyText)};
 }
 
-}  // namespace zuva::serve::test
+}  // namespace test_support

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace zuva::serve::test {
+namespace test_support {
 
 /// A key pair and the certificate that it has signed itself, for "localhost" and 127.0.0.1; both in PEM.
 struct Certificate {
@@ -12,4 +12,4 @@ struct Certificate {
 
 Certificate MakeCertificate();
 
-}  // namespace zuva::serve::test
+}  // namespace test_support

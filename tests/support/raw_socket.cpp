@@ -1,15 +1,16 @@
-#include "tests/unit/rest_serve/raw_socket.h"
+#include "tests/support/raw_socket.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
 
-namespace zuva::serve::test {
+namespace test_support {
 
 RawSocket::RawSocket(std::uint16_t port, int receiveBuffer) : socket_{socket(AF_INET, SOCK_STREAM, 0)} {
   if (receiveBuffer > 0) setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
@@ -51,9 +52,14 @@ std::string RawSocket::ReadToEnd() {
   return std::exchange(kept_, {});
 }
 
-bool RawSocket::ReadMore() {
-  std::array<char, 65536> bytes;
-  const auto size = recv(socket_, bytes.data(), bytes.size(), 0);
+std::string RawSocket::Read(std::size_t most) {
+  if (kept_.empty()) ReadMore(most);
+  return std::exchange(kept_, {});
+}
+
+bool RawSocket::ReadMore(std::size_t most) {
+  std::array<char, kPiece> bytes;
+  const auto size = recv(socket_, bytes.data(), std::min(most, bytes.size()), 0);
   ended_ = ended_ || size == 0 || (size < 0 && errno != EAGAIN);
   if (size <= 0) return false;
   kept_.append(bytes.data(), static_cast<std::size_t>(size));
@@ -96,4 +102,4 @@ std::vector<ServerFrame> Frames(std::string_view bytes) {
   return frames;
 }
 
-}  // namespace zuva::serve::test
+}  // namespace test_support
