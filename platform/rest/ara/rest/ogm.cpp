@@ -1,7 +1,6 @@
 #include "ara/rest/ogm.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace ara::rest::ogm {
 namespace {
@@ -11,12 +10,6 @@ const T* As(const Value& value) noexcept {
   return value.GetType() == T::kKind ? static_cast<const T*>(&value) : nullptr;
 }
 
-template <class T>
-bool SameScalar(const T& own, const Value& other) noexcept {
-  const auto* const same = As<T>(other);
-  return same && same->GetValue() == own.GetValue();
-}
-
 }  // namespace
 
 Pointer<Value> Null::Clone() const {
@@ -24,35 +17,6 @@ Pointer<Value> Null::Clone() const {
 }
 bool Null::Equals(const Value& other) const noexcept {
   return other.GetType() == kKind;
-}
-
-Pointer<Value> Int::Clone() const {
-  return MakePointer<Int>(value_);
-}
-bool Int::Equals(const Value& other) const noexcept {
-  return SameScalar(*this, other);
-}
-
-Pointer<Value> Real::Clone() const {
-  return MakePointer<Real>(value_);
-}
-bool Real::Equals(const Value& other) const noexcept {
-  const auto* const real = As<Real>(other);
-  return real && (real->value_ == value_ || (std::isnan(real->value_) && std::isnan(value_)));
-}
-
-Pointer<Value> Bool::Clone() const {
-  return MakePointer<Bool>(value_);
-}
-bool Bool::Equals(const Value& other) const noexcept {
-  return SameScalar(*this, other);
-}
-
-Pointer<Value> String::Clone() const {
-  return MakePointer<String>(value_);
-}
-bool String::Equals(const Value& other) const noexcept {
-  return SameScalar(*this, other);
 }
 
 Field::Field(std::string name, Pointer<Value> value) : name_{std::move(name)} {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -48,74 +50,36 @@ class Null final : public Value {
   bool Equals(const Value& other) const noexcept override;
 };
 
-class Int final : public Value {
+/// A plain value.
+template <Kind kind, class T>
+class Scalar final : public Value {
  public:
-  using ValueType = std::int64_t;
-  static constexpr Kind kKind = Kind::Int;
+  using ValueType = T;
+  static constexpr Kind kKind = kind;
 
-  Int() = default;
-  explicit Int(ValueType value) : value_{value} {}
-  Kind GetType() const noexcept override { return kKind; }
-  ValueType GetValue() const noexcept { return value_; }
-  void SetValue(ValueType value) noexcept { value_ = value; }
-  Pointer<Value> Clone() const override;
-  bool Equals(const Value& other) const noexcept override;
-
- private:
-  ValueType value_ = 0;
-};
-
-/// A double holds every 32-bit float of the vehicle unchanged.
-class Real final : public Value {
- public:
-  using ValueType = double;
-  static constexpr Kind kKind = Kind::Real;
-
-  Real() = default;
-  explicit Real(ValueType value) : value_{value} {}
-  Kind GetType() const noexcept override { return kKind; }
-  ValueType GetValue() const noexcept { return value_; }
-  void SetValue(ValueType value) noexcept { value_ = value; }
-  Pointer<Value> Clone() const override;
-  bool Equals(const Value& other) const noexcept override;
-
- private:
-  ValueType value_ = 0;
-};
-
-class Bool final : public Value {
- public:
-  using ValueType = bool;
-  static constexpr Kind kKind = Kind::Bool;
-
-  Bool() = default;
-  explicit Bool(ValueType value) : value_{value} {}
-  Kind GetType() const noexcept override { return kKind; }
-  ValueType GetValue() const noexcept { return value_; }
-  void SetValue(ValueType value) noexcept { value_ = value; }
-  Pointer<Value> Clone() const override;
-  bool Equals(const Value& other) const noexcept override;
-
- private:
-  ValueType value_ = false;
-};
-
-class String final : public Value {
- public:
-  using ValueType = std::string;
-  static constexpr Kind kKind = Kind::String;
-
-  String() = default;
-  explicit String(ValueType value) : value_{std::move(value)} {}
+  Scalar() = default;
+  explicit Scalar(ValueType value) : value_{std::move(value)} {}
   Kind GetType() const noexcept override { return kKind; }
   const ValueType& GetValue() const noexcept { return value_; }
   void SetValue(ValueType value) noexcept { value_ = std::move(value); }
-  Pointer<Value> Clone() const override;
-  bool Equals(const Value& other) const noexcept override;
+  Pointer<Value> Clone() const override { return MakePointer<Scalar>(value_); }
+  bool Equals(const Value& other) const noexcept override {
+    if (other.GetType() != kKind) return false;
+    const auto& same = static_cast<const Scalar&>(other).value_;
+    if constexpr (std::is_floating_point_v<T>) {
+      if (std::isnan(same) && std::isnan(value_)) return true;
+    }
+    return same == value_;
+  }
 
  private:
-  ValueType value_;
+  ValueType value_{};
 };
+
+using Int = Scalar<Kind::Int, std::int64_t>;
+using Real = Scalar<Kind::Real, double>;  ///< holds every 32-bit float of the vehicle unchanged
+using Bool = Scalar<Kind::Bool, bool>;
+using String = Scalar<Kind::String, std::string>;
 
 /// A name and one owned value, or none.
 class Field final : public Node {
