@@ -1,10 +1,12 @@
-#include "tests/support/mirror.h"
+#include "tests/system/crowd.h"
 #include "tests/system/system_test.h"
 
 #include <atomic>
 #include <fstream>
 #include <iostream>
 #include <list>
+#include <map>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -13,6 +15,8 @@ namespace {
 
 /// Clients and the vehicle write the first one; the navigation, whose target is relayed to it, writes the second one too.
 constexpr const char *kTarget = "immediateChargingOptionsTargetSoc", *kNavTarget = "immediateChargingOptionsNavTargetSoc";
+
+const std::string kControls = "/ChargingManagementCore/valueControls";
 
 /// Values that clients, the navigation and the vehicle write at the same time, as fast as they may.
 class ThreeWriters : public SystemTest {
@@ -23,17 +27,19 @@ class ThreeWriters : public SystemTest {
     StartVehicle(file.string());
     bridge_.Start();
     ASSERT_TRUE(vehicle_->WaitUntilSubscribed());
-    mirror_.emplace(bridge_.Ws());
-    mirror_->Subscribe("/ChargingManagementCore/valueControls");
+    std::vector<std::unique_ptr<CrowdClient>> followers;
+    followers.push_back(std::make_unique<CrowdSubscriber>(bridge_, kControls));
+    subscriber_ = dynamic_cast<CrowdSubscriber*>(followers.front().get());
+    follower_.emplace(std::move(followers));
   }
 
-  /// A client that writes until the end, each value once, and must be answered with it taken.
+  /// A client that writes until the end, and whose writes must all be taken.
   void WriteAsClient(const std::string& path, unsigned first, bool overWebSocket) {
     auto ws = bridge_.Ws();
     auto http = bridge_.Http();
-    clients_.emplace_back([this, path, overWebSocket, value = first, ws = std::move(ws), http = std::move(http)]() mutable {
-      while (!stop_) {
-        const json body{{"currentValue", value++}};
+    clients_.emplace_back([this, path, overWebSocket, first, ws = std::move(ws), http = std::move(http)]() mutable {
+      for (unsigned time = 0; !stop_; ++time) {
+        const json body{{"currentValue", first + time % 1000}};
         const auto status = overWebSocket ? ws.Ask({{"action", "set"}, {"path", path}, {"value", body}}).value("status", 0U)
                                           : http.Post(path, body.dump()).status;
         if (status != 200) ++refused_;
@@ -74,18 +80,27 @@ class ThreeWriters : public SystemTest {
     return {};
   }
   bool IsShown(const char* type, const json& value) {
-    mirror_->CatchUp();
-    for (const auto& [path, element] : mirror_->Elements())
-      if (element.value("type", "") == type && element.value("currentValue", json{}) != value) return false;
     return WaitForElement("valueControls", type, {{"currentValue", value}}, 0ms).has_value();
   }
   void ExpectShown(const char* type, const json& value) {
     EXPECT_TRUE(WaitFor([&] { return IsShown(type, value); }, 2000ms)) << type << " " << value << " in " << Elements("valueControls");
   }
+  /// Each event has followed from those before it, and in the end the subscriber holds what is shown.
+  void ExpectTheSubscriberToHoldAll() {
+    follower_->Stop();
+    EXPECT_THAT(follower_->Faults(), testing::IsEmpty());
+    std::map<std::string, json> shown;
+    for (auto& element : Elements("valueControls")) shown[element["uri"]] = element;
+    EXPECT_TRUE(WaitFor([&] {
+      subscriber_->Turn();
+      return subscriber_->Difference(shown).empty();
+    })) << subscriber_->Difference(shown);
+  }
 
   static constexpr std::chrono::milliseconds kPause{3};
   const std::chrono::milliseconds length_ = std::chrono::seconds{Setting("THREE_WRITERS_SECONDS", 3)};
-  std::optional<test_support::Mirror> mirror_;
+  CrowdSubscriber* subscriber_ = nullptr;  // the follower's
+  std::optional<CrowdThread> follower_;
   std::list<std::thread> clients_;
   std::atomic<bool> stop_ = false;
   std::atomic<unsigned> refused_ = 0, written_ = 0;
@@ -114,6 +129,7 @@ TEST_F(ThreeWriters, EndWithWhatTheVehicleHoldsAfterTheNextGets) {
   ASSERT_TRUE(relayed) << "not relayed";
   ASSERT_FALSE(ValueIn((*relayed)["value"], kNavTarget).is_null()) << *relayed;
   ExpectShown(kNavTarget, ValueIn((*relayed)["value"], kNavTarget));
+  ExpectTheSubscriberToHoldAll();
 }
 
 }  // namespace

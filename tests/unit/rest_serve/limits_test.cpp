@@ -15,8 +15,8 @@ namespace zuva::serve {
 namespace {
 
 using nlohmann::json;
-using test_support::RawSocket;
 using test::ServedTree;
+using test_support::RawSocket;
 
 json With(const json& limits) {
   return {{"limits", limits}};

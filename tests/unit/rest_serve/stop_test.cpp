@@ -13,8 +13,8 @@
 namespace zuva::serve {
 namespace {
 
-using test_support::RawSocket;
 using test::ServedTree;
+using test_support::RawSocket;
 
 std::size_t Threads() {
   std::size_t count = 0;

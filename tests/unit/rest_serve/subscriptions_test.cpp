@@ -13,8 +13,8 @@ namespace zuva::serve {
 namespace {
 
 using nlohmann::json;
-using test_support::RawSocket;
 using test::ServedTree;
+using test_support::RawSocket;
 
 std::string Event(const std::optional<json>& message) {
   return message ? message->value("event", "") + " " + message->value("path", "") : "nothing";

@@ -23,7 +23,6 @@ constexpr auto kLongestDelay = 2000ms;
 constexpr auto kConnectTime = 2000ms;
 /// A connection that stood so long had no trouble: the next break is answered at the first delay again.
 constexpr auto kGoodTime = 2000ms;
-constexpr int kReadsPerTurn = 16;
 
 boost::system::error_code last_error() {
   return {errno, boost::system::system_category()};
@@ -89,30 +88,21 @@ void Tcp_link::connected(boost::system::error_code error) {
     const std::lock_guard lock{mutex_};
     descriptor_ = socket_.native_handle();
   }
-  wait_readable();
+  read();
   handlers_.up({local.address().to_v4(), local.port(), wire::Protocol::tcp});
 }
 
-void Tcp_link::wait_readable() {
-  socket_.async_wait(Socket::wait_read, [this, attempt = attempt_](boost::system::error_code error) {
-    if (!error && attempt == attempt_) read();
-  });
-}
-
+/// A read rather than a wait for one, which the reactor would have to be told of anew for each message.
 void Tcp_link::read() {
-  const auto attempt = attempt_;
-  for (int i = 0; i < kReadsPerTurn; ++i) {
-    const auto space = stream_.space();
-    const auto received = ::recv(socket_.native_handle(), space.data(), space.size(), MSG_DONTWAIT);
-    if (received == 0) return failed("closed by the peer");
-    if (received < 0 && errno == EINTR) continue;
-    if (received < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
-    if (received < 0) return failed(last_error().message());
-    stream_.filled(static_cast<std::size_t>(received));
-    if (!take_messages()) return;
-    if (static_cast<std::size_t>(received) < space.size()) break;  // the socket is empty, most likely
-  }
-  if (attempt == attempt_) wait_readable();
+  const auto space = stream_.space();
+  socket_.async_read_some(asio::buffer(space.data(), space.size()),
+                          [this, attempt = attempt_](boost::system::error_code error, std::size_t size) {
+                            if (attempt != attempt_) return;
+                            if (error == asio::error::eof) return failed("closed by the peer");
+                            if (error) return failed(error.message());
+                            stream_.filled(size);
+                            if (take_messages()) read();
+                          });
 }
 
 /// False if the connection has ended meanwhile.

@@ -45,7 +45,6 @@ class Tcp_link {
 
   void connect();
   void connected(boost::system::error_code error);
-  void wait_readable();
   void read();
   bool take_messages();
   void failed(std::string_view reason);
