@@ -217,8 +217,9 @@ void CheckJson(std::string_view text) {
 }
 
 std::vector<std::string_view> Cut(std::string_view bytes, std::size_t piece) {
+  constexpr std::size_t kMost = 256;
   std::vector<std::string_view> pieces;
-  if (piece == 0) piece = bytes.size();
+  piece = piece == 0 ? bytes.size() : std::max(piece, bytes.size() / kMost);
   for (; !bytes.empty(); bytes.remove_prefix(std::min(piece, bytes.size()))) pieces.push_back(bytes.substr(0, piece));
   return pieces;
 }

@@ -58,7 +58,7 @@ class Client {
 /// Fails unless the text is JSON. Long ones are not looked at: to read them again and again would be all there is to do.
 void CheckJson(std::string_view text);
 
-/// How a target cuts a client's bytes up: into pieces of this size, or not at all for 0.
+/// How a target cuts a client's bytes up: into pieces of this size, but not into more than some hundred, or not at all for 0.
 std::vector<std::string_view> Cut(std::string_view bytes, std::size_t piece);
 
 }  // namespace fuzz
