@@ -17,7 +17,9 @@ constexpr int kUndecodable = 138;
 
 void fail_undecodable(const Method_context& context, Answer& answer, std::string_view reason) {
   Dlt::trace(incidents::Method_call_deserializer_exception{context.identity(), context.id, kUndecodable, reason});
-  answer.set_exception(std::make_exception_ptr(Transport_exception{kUndecodable}));
+  // A statement of its own, so that its source, which shares the text with it, is gone before another thread has it.
+  auto failure = std::make_exception_ptr(Transport_exception{kUndecodable});
+  answer.set_exception(std::move(failure));
 }
 
 }  // namespace

@@ -2,20 +2,20 @@
 
 #include <array>
 #include <cstdio>
-#include <ctime>
 
 namespace ara::log::impl {
 
 void Timestamp::AppendTo(std::string& out, std::chrono::system_clock::time_point time) {
   const auto second = std::chrono::floor<std::chrono::seconds>(time);
   if (second != second_) {
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(second);
-    std::tm parts{};
-    ::gmtime_r(&seconds, &parts);
-    // Not strftime, which looks for a new time zone at each call.
+    // Not the C library's, which looks for the time zone though none is asked for, at times when the main thread sets it.
+    const auto day = std::chrono::floor<std::chrono::days>(second);
+    const std::chrono::year_month_day date{day};
+    const std::chrono::hh_mm_ss clock{second - day};
     std::array<char, 96> text{};
-    (void)std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
-                        parts.tm_hour, parts.tm_min, parts.tm_sec);
+    (void)std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.", int{date.year()}, unsigned{date.month()},
+                        unsigned{date.day()}, static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+                        static_cast<int>(clock.seconds().count()));
     text_ = text.data();
     second_ = second;
   }
