@@ -67,6 +67,7 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   ClientStream::Tcp& Tcp() { return stream_.next_layer().Socket(); }
   void Hear();
   void ReadIfRoom();
+  void Read();
   void OnRead(const beast::error_code& error);
   void OnWritten(const beast::error_code& error);
   void Close(websocket::close_code code);
@@ -158,8 +159,14 @@ void WebSocketSession::Hear() {
 void WebSocketSession::ReadIfRoom() {
   if (reading_ || answering_ || state_ == State::kEnded) return;
   if (outbox_.Bytes() > hub_.config.limits.pendingBytesPerClient / 2) return;
+  Read();
+}
+
+/// A piece of a message. Beast's close reads what still comes by itself, and a read of a whole message would go on beside it.
+void WebSocketSession::Read() {
+  if (closeSent_) return;
   reading_ = true;
-  stream_.async_read(input_, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnRead(error); });
+  stream_.async_read_some(input_, 0, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnRead(error); });
 }
 
 void WebSocketSession::OnRead(const beast::error_code& error) {
@@ -170,6 +177,7 @@ void WebSocketSession::OnRead(const beast::error_code& error) {
     if (!closeSent_) Abort();
     return;
   }
+  if (!stream_.is_message_done()) return Read();
   Hear();
   if (state_ == State::kOpen && !stream_.got_text()) Close(websocket::close_code::unknown_data);
   if (state_ == State::kOpen) {

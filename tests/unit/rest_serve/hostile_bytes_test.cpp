@@ -55,6 +55,8 @@ TEST_F(HostileBytes, BadFramesCloseWithTheCodeThatSaysWhy) {
                           Row{ClientFrame(0x09, "{}"), 1002},                                 // a ping in pieces
                           Row{std::string{"\x81\x02{}", 4}, 1002},                            // no mask
                           Row{ClientFrame(0x82, "{}"), 1003},                                 // binary
+                          Row{ClientFrame(0x82, "{}") + ClientFrame(0x01, "{") + ClientFrame(0x89, "") + ClientFrame(0x80, "}"), 1003},
+                          Row{ClientFrame(0x82, "{}") + ClientFrame(0x01, "{") + ClientFrame(0x89, "") + ClientFrame(0x73, ""), 1003},
                           Row{ClientFrame(0x01, std::string(60, 'a')) + ClientFrame(0x80, std::string(60, 'a')), 1009}}) {
     RawSocket socket{tree.port};
     socket.Upgrade();
