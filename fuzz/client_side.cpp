@@ -12,11 +12,7 @@ namespace {
 namespace wire = xr::com::wire;
 
 wire::Deployment OwnDeployment() {
-  static const bool once = [] {
-    ara::log::InitLogging("FUZZ", "fuzzing", ara::log::LogLevel::kOff, ara::log::LogMode::kConsole, "");
-    return true;
-  }();
-  static_cast<void>(once);
+  ara::log::InitLogging("FUZZ", "fuzzing", ara::log::LogLevel::kOff, ara::log::LogMode::kConsole, "");
   constexpr int kFirstPort = 20000;
   constexpr int kPorts = 10000;
   auto deployment = wire::default_deployment();
@@ -27,9 +23,15 @@ wire::Deployment OwnDeployment() {
   return deployment;
 }
 
+/// Read once: a target has this side made anew for each input.
+const wire::Deployment& TheDeployment() {
+  static const auto deployment = OwnDeployment();
+  return deployment;
+}
+
 }  // namespace
 
-ClientSide::ClientSide() : deployment{OwnDeployment()}, buffer(wire::kMaximumMessage), channel{io, deployment, buffer, warnings} {}
+ClientSide::ClientSide() : deployment{TheDeployment()}, buffer(wire::kMaximumMessage), channel{io, deployment, buffer, warnings} {}
 
 VehicleSocket::VehicleSocket()
     : socket_{wire::open_message_socket(boost::asio::ip::address_v4::loopback()).value()}, place_{wire::local_endpoint(socket_).value()} {}

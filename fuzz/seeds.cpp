@@ -128,6 +128,22 @@ void AddReads(Seeds& seeds, const std::vector<std::string>& paths) {
   AddRequest(seeds, "POST @C", "Content-Type: application/json; charset=utf-8\r\nExpect: 100-continue\r\n", "{}");
 }
 
+/// A socket's whole life: what follows hangs on what came before.
+void AddConversation(Seeds& seeds) {
+  const json subscribe{{"action", "subscribe"}, {"path", "/ChargingManagementCore/views"}, {"requestId", 1}};
+  const json unsubscribe{{"action", "unsubscribe"}, {"subscriptionId", "1"}, {"requestId", 2}};
+  const json write{{"action", "set"}, {"path", "@A"}, {"value", {{"currentValue", 80}}}, {"requestId", 3}};
+  const json filtered{{"action", "subscribe"}, {"path", "/ChargingManagementCore/views?content=bcamInformationScreen"}, {"requestId", 4}};
+  for (const auto& messages : {std::vector{subscribe, unsubscribe, unsubscribe},
+                               {subscribe, filtered, write, subscribe, unsubscribe},
+                               {subscribe, subscribe, subscribe, subscribe, filtered}}) {
+    std::string lines(1, static_cast<char>(kLines | kMayWrite));
+    for (const auto& message : messages) lines += message.dump() + '\n';
+    lines.pop_back();
+    seeds.Add("websocket", lines);
+  }
+}
+
 void AddFrames(Seeds& seeds) {
   using zuva::serve::test::ClientFrame;
   const std::string subscribe = R"({"action":"subscribe","path":"/ChargingManagementCore/views","requestId":1})";
@@ -254,6 +270,7 @@ int main(int count, char** arguments) {
   const auto paths = fuzz::Bridges{}.Chosen(true).Paths();
   AddReads(seeds, paths);
   AddWrites(seeds, paths);
+  AddConversation(seeds);
   AddFrames(seeds);
   AddPayloads(seeds, deployment);
   AddDiscovery(seeds, deployment);
