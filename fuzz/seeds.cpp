@@ -12,8 +12,8 @@
 
 #include "fuzz/bridge.h"
 #include "fuzz/bridges.h"
+#include "tests/support/raw_socket.h"
 #include "tests/system/rows.h"
-#include "tests/unit/rest_serve/raw_socket.h"
 #include "tools/vehicle/values/bad_input.h"
 #include "tools/vehicle/values/field_codec.h"
 #include "xr/com/wire/deployment.h"
@@ -145,7 +145,7 @@ void AddConversation(Seeds& seeds) {
 }
 
 void AddFrames(Seeds& seeds) {
-  using zuva::serve::test::ClientFrame;
+  using test_support::ClientFrame;
   const std::string subscribe = R"({"action":"subscribe","path":"/ChargingManagementCore/views","requestId":1})";
   const std::string set = R"({"action":"set","path":"/ChargingManagementCore/views","requestId":"1","value":{}})";
   for (const auto& frames :

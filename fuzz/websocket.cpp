@@ -6,7 +6,7 @@
 #include "fuzz/bridge.h"
 #include "fuzz/bridges.h"
 #include "fuzz/fail.h"
-#include "tests/unit/rest_serve/raw_socket.h"
+#include "tests/support/raw_socket.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ std::string Upgrade(bool mayWrite) {
 void SendLines(fuzz::Client& client, std::string_view text) {
   for (;;) {
     const auto end = text.find('\n');
-    client.Send(zuva::serve::test::ClientFrame(kText, text.substr(0, end)));
+    client.Send(test_support::ClientFrame(kText, text.substr(0, end)));
     if (end == std::string_view::npos) return;
     text.remove_prefix(end + 1);
   }
@@ -31,7 +31,7 @@ void SendLines(fuzz::Client& client, std::string_view text) {
 void Check(std::string_view received) {
   const auto head = received.find("\r\n\r\n");
   if (!received.starts_with("HTTP/1.1 101") || head == std::string_view::npos) fuzz::Fail("the upgrade is not taken");
-  for (const auto& frame : zuva::serve::test::Frames(received.substr(head + 4))) {
+  for (const auto& frame : test_support::Frames(received.substr(head + 4))) {
     if (frame.operation == 1) fuzz::CheckJson(frame.payload);
   }
 }
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const auto piece : fuzz::Cut(bytes, data[0] / 4)) client.Send(piece);
   }
   bridge.ChangeSomething();
-  client.Send(zuva::serve::test::ClientFrame(kText, R"({"action":"get","path":"/","requestId":1})"));
+  client.Send(test_support::ClientFrame(kText, R"({"action":"get","path":"/","requestId":1})"));
   Check(client.End());
   return 0;
 }
