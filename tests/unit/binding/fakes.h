@@ -104,9 +104,9 @@ class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
   }
   /// One sample of one record, told apart by its `wide`.
   void Notify(std::uint64_t number) const {
-    Sample sample;
-    sample.wide = number;
-    Notify(Encoded({sample}));
+    std::vector<Sample> samples(1);
+    samples.front().wide = number;
+    Notify(Encoded(samples));
   }
   /// Ends a call as the transport does: the completion runs once and goes.
   void Answer(std::size_t call, Reply reply) {
