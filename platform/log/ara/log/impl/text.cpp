@@ -12,6 +12,13 @@ constexpr bool IsControl(char byte) noexcept {
   return static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F;
 }
 
+/// Looks at the whole text whatever it meets, which the compiler turns into sixteen bytes at a time.
+bool HasControl(std::string_view text) noexcept {
+  unsigned char found = 0;
+  for (const char byte : text) found |= static_cast<unsigned char>(IsControl(byte));
+  return found != 0;
+}
+
 }  // namespace
 
 std::string_view CutOnCharacter(std::string_view text, std::size_t limit) noexcept {
@@ -23,6 +30,10 @@ std::string_view CutOnCharacter(std::string_view text, std::size_t limit) noexce
 }
 
 void AppendEscaped(std::string& out, std::string_view text) {
+  if (!HasControl(text)) {  // nearly every line
+    out += text;
+    return;
+  }
   constexpr char kDigits[] = "0123456789ABCDEF";
   std::size_t plain = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
