@@ -46,6 +46,7 @@ bool Write::IsRight(std::size_t time, const Answer& answer) const {
 std::vector<Write> WritesOfAllKinds(const Program& bridge, std::size_t writers) {
   const auto& kinds = Kinds();
   std::vector<json> elements;
+  elements.reserve(kinds.size());
   for (const auto& kind : kinds) elements.push_back(Elements(bridge, kind));
   std::vector<Write> writes;
   while (writes.size() < writers) {

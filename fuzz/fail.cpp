@@ -6,7 +6,7 @@
 namespace fuzz {
 
 void Fail(std::string_view reason) {
-  std::fprintf(stderr, "%.*s\n", static_cast<int>(reason.size()), reason.data());
+  (void)std::fprintf(stderr, "%.*s\n", static_cast<int>(reason.size()), reason.data());
   std::abort();
 }
 
