@@ -14,7 +14,7 @@ for target in "${chosen[@]}"; do
   [[ " ${all[*]} " == *" $target "* ]] || fail "there is no target $target, but ${all[*]}"
 done
 
-PACKAGES+=(clang-14 libclang-rt-14-dev llvm-14)
+PACKAGES+=("${CLANG_PACKAGES[@]}")
 install_packages
 build fuzz fuzz_targets
 

@@ -7,6 +7,8 @@ fail() {
 
 PACKAGES=(g++ cmake ninja-build pkg-config ccache curl libboost1.81-dev libboost-url1.81-dev libssl-dev nlohmann-json3-dev libdlt-dev dlt-daemon dlt-tools
   python3 python3-jinja2 python3-jsonschema python3-websockets libgtest-dev libgmock-dev libbenchmark-dev)
+# What the fuzz targets need besides.
+CLANG_PACKAGES=(clang-14 libclang-rt-14-dev llvm-14)
 
 install_packages() {
   local missing=() package
