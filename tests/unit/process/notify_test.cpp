@@ -7,6 +7,7 @@
 #include "tests/support/wait_for.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -69,6 +70,20 @@ TEST(Notify, WhatCannotBeSentThrowsAndNamesTheAddress) {
       EXPECT_THAT(error.what(), testing::HasSubstr(address));
     }
   }
+}
+
+TEST(Notify, ASocketThatTheSystemRefusesIsAskedForAgain) {
+  const test_support::TempRoot root;
+  const test_support::NotifySocket serviceManager{root.NotifyPath()};
+  ::setenv("NOTIFY_SOCKET", root.NotifyPath().c_str(), 1);
+  rlimit before{};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  const ApplicationClient application;
+  EXPECT_THROW(application.ReportApplicationState(ApplicationState::kRunning), std::runtime_error);
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_NO_THROW(application.ReportApplicationState(ApplicationState::kRunning));
 }
 
 /// A service manager in the abstract namespace, which never reads on its own.

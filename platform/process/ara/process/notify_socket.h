@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <string_view>
 
@@ -8,7 +9,8 @@ namespace ara::process {
 /// Tells the service manager of the process's state by the notify protocol of systemd (sd_notify(3)).
 ///
 /// The environment variable NOTIFY_SOCKET, read once at construction, names a Unix datagram socket, by path or, with a leading `@`,
-/// in the abstract namespace. Without it nothing is sent. Any thread may send, several at once too.
+/// in the abstract namespace. Without it nothing is sent. A socket that the system refuses at construction is asked for again by each
+/// `Send`. Any thread may send, several at once too.
 class NotifySocket {
  public:
   NotifySocket();
@@ -20,8 +22,10 @@ class NotifySocket {
   void Send(std::string_view assignment) const;
 
  private:
+  int Socket() const noexcept;
+
   const std::string address_;
-  const int socket_;
+  mutable std::atomic<int> socket_;  // -1: none yet
 };
 
 }  // namespace ara::process
