@@ -53,4 +53,34 @@ void put_handles(nlohmann::ordered_json& json, std::string_view key, std::span<c
   for (const auto& handle : handles) list.push_back(handle);
 }
 
+std::string cut_to(std::string text, std::size_t limit) {
+  if (text.size() <= limit) return text;
+  constexpr std::string_view kCut = "\"cut\":true}";
+  std::string open;     // what closes the objects and arrays around the place that is read, the outermost first
+  std::string closers;  // the same for the last place that fits
+  std::size_t end = 0;
+  bool in_string = false;
+  for (std::size_t i = 0; i + open.size() + kCut.size() <= limit; ++i) {
+    const char character = text[i];
+    if (in_string) {
+      if (character == '\\') ++i;
+      in_string = character != '"';
+    } else if (character == ',') {
+      end = i;
+      closers = open;
+    } else if (character == '{' || character == '[') {
+      open += character == '{' ? '}' : ']';
+    } else if (character == '}' || character == ']') {
+      open.pop_back();
+    } else {
+      in_string = character == '"';
+    }
+  }
+  if (end == 0) return "{\"cut\":true}";  // not even the first member fits
+  text.resize(end);
+  text.append(closers.rbegin(), closers.rend() - 1);  // the outermost stays open for the last member
+  text += ',';
+  return text += kCut;
+}
+
 }  // namespace xr::com::cpp_binding::log::detail

@@ -4,8 +4,10 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 /// What the forms of incidents are made of, item by item in the order of the text. Kept out of the templates, so that only one
@@ -17,5 +19,9 @@ void put_number(nlohmann::ordered_json& json, std::string_view key, std::int64_t
 void put_flag(nlohmann::ordered_json& json, std::string_view key, bool flag);
 void put_text(nlohmann::ordered_json& json, std::string_view key, std::string_view text);
 void put_handles(nlohmann::ordered_json& json, std::string_view key, std::span<const qe::com::runtime::Service_handle> handles);
+
+/// The text of a JSON object of at most `limit` bytes: a longer one ends behind its last member or array element that still fits, with
+/// all that is open closed and `"cut":true` as the last member of the whole.
+std::string cut_to(std::string text, std::size_t limit);
 
 }  // namespace xr::com::cpp_binding::log::detail

@@ -1,6 +1,7 @@
 #include "binding/incidents/target.h"
 
 #include "ara/log/logging.h"
+#include "binding/incidents/incident_json.h"
 #include "xr/com/loggers.h"
 
 #include <nlohmann/json.hpp>
@@ -18,7 +19,7 @@ std::string Dlt::text_of(const Writer& incident, const Writer& arguments) {
     nlohmann::ordered_json json;
     incident(json["1_incident"]);
     arguments(json);
-    return json.dump();
+    return xr::com::cpp_binding::log::detail::cut_to(json.dump(), ara::log::WholeLine::kLimit);
   } catch (const std::exception&) {  // what cannot be told as JSON is not told
     return {};
   }
@@ -37,7 +38,7 @@ void Dlt::trace_impl(const std::string& text, ara::log::LogLevel level) {
     default:
       level = LogLevel::kDebug;
   }
-  ara::log::LogStream{level, ara::com::logger()} << text;
+  ara::log::LogStream{level, ara::com::logger()} << ara::log::WholeLine{text};
 }
 
 }  // namespace xr::com::log::target

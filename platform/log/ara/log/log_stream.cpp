@@ -14,7 +14,16 @@ LogStream::LogStream(LogLevel level, const Logger& logger) noexcept
 
 LogStream::~LogStream() {
   if (!enabled_) return;
-  impl::Backend::Instance().Submit({std::chrono::system_clock::now(), level_, &logger_, {text_, size_}});
+  impl::Backend::Instance().Submit(
+      {std::chrono::system_clock::now(), level_, &logger_, whole_.empty() ? std::string_view{text_, size_} : whole_});
+}
+
+LogStream& LogStream::operator<<(WholeLine line) noexcept {
+  if (!enabled_) return *this;
+  whole_ = impl::CutOnCharacter(line.text, WholeLine::kLimit);
+  size_ = 0;
+  full_ = true;
+  return *this;
 }
 
 void LogStream::Append(std::string_view text) noexcept {

@@ -14,6 +14,13 @@ namespace ara::log {
 
 class Logger;
 
+/// A text that is a line by itself and keeps its whole length, up to `kLimit` bytes: one that is read by programs, such as JSON. It is
+/// not copied before the stream ends and must outlive it.
+struct WholeLine {
+  static constexpr std::size_t kLimit = std::size_t{16} * 1024;
+  std::string_view text;
+};
+
 /// One log line: items are joined without anything between them, and the line is handed on when the stream is destroyed.
 ///
 /// The logger's level is asked once, at construction; a disabled stream formats nothing. Text is built in the stream itself,
@@ -39,6 +46,8 @@ class LogStream {
   }
   LogStream& operator<<(char character) noexcept { return *this << std::string_view{&character, 1}; }
   LogStream& operator<<(bool value) noexcept { return *this << (value ? std::string_view{"true"} : std::string_view{"false"}); }
+  /// Takes the place of the line: what stands in it already is dropped, and so is what follows.
+  LogStream& operator<<(WholeLine line) noexcept;
   LogStream& operator<<(const std::exception& error) noexcept { return *this << error.what(); }
 
   /// Integers in decimal, the character-sized ones too; floats as the shortest text that reads back the same.
@@ -75,6 +84,7 @@ class LogStream {
   const bool enabled_;
   bool full_ = false;
   std::size_t size_ = 0;
+  std::string_view whole_;
   char text_[kLineLimit];  // left uninitialised: only the first size_ bytes are ever read
 };
 
