@@ -53,8 +53,9 @@ std::string Content(const std::filesystem::path& path) {
 class Dlt : public testing::Test {
  protected:
   void StartDaemon() {
+    constexpr const char* kOnStandardError = "\nLoggingMode = 3\n";
     std::ofstream{root_.Path() / "dlt.conf"} << "ControlSocketPath = " << (root_.Path() / "control").string()
-                                             << "\nPersistanceStoragePath = " << root_.Path().string() << '\n';
+                                             << "\nPersistanceStoragePath = " << root_.Path().string() << kOnStandardError;
     daemon_.emplace(Tool("dlt-daemon", {"-c", root_.Path() / "dlt.conf", "-t", root_.Path(), "-p", port_}));
     ASSERT_TRUE(WaitFor([this] { return std::filesystem::exists(root_.Path() / "control"); }));
   }
@@ -70,6 +71,7 @@ class Dlt : public testing::Test {
     options.program = "/usr/bin/" + name;
     options.arguments = std::move(arguments);
     options.outputPath = root_.Path() / (name + ".out");
+    options.errorPath = root_.Path() / (name + ".err");
     return options;
   }
   /// What a tool that ends by itself prints.
@@ -102,6 +104,49 @@ TEST_F(Dlt, LinesReachTheDaemonUnderContextsWithTheirFullNames) {
   EXPECT_THAT(contexts, HasSubstr("TROV_MAIN: main"));
   EXPECT_THAT(contexts, HasSubstr("TROV: Charging Management Core zuva"));
   EXPECT_THAT(contexts, HasSubstr("TROV: Charging Management Core proxy"));
+}
+
+TEST_F(Dlt, AViewerTurnsContextsUpAndDown) {
+  StartDaemon();
+  const auto heard = (root_.Path() / "heard.dlt").string();
+  Process receiver{Tool("dlt-receive", {"-o", heard, "-p", port_, "127.0.0.1"})};
+  Process speaker{Speaker()};
+  ASSERT_TRUE(WaitFor([&] { return Content(heard).find("two\\x0Alines") != std::string::npos; }));
+
+  const auto turn = [this](const char* context, const char* level) {
+    (void)Answer("dlt-control", {"-a", "TROV", "-c", context, "-l", level, "-t", "200", "-p", port_, "127.0.0.1"});
+  };
+  const auto levelsBecome = [&](const std::string& levels) {
+    return WaitFor([&] {
+      (void)speaker.WriteLine("a fine line");
+      return testing::Value(Content(root_.Path() / "speaker.out"), testing::EndsWith(levels + "\n"));
+    });
+  };
+  EXPECT_TRUE(levelsBecome("444"));
+  turn("TRO1", "5");
+  turn("SLNT", "6");
+  EXPECT_TRUE(levelsBecome("456"));
+  EXPECT_TRUE(WaitFor([&] { return Content(heard).find("a fine line") != std::string::npos; }));
+  turn("TROV", "1");
+  EXPECT_TRUE(levelsBecome("156"));
+}
+
+TEST_F(Dlt, ADaemonThatComesLateDoesNotTakeTheLevelsAway) {
+  auto options = Speaker();
+  options.environment["ARA_LOG_LEVEL"] = "debug";
+  Process speaker{options};
+  (void)speaker.WriteLine("nobody is there");
+  ASSERT_TRUE(WaitFor([&] { return Content(options.outputPath) == "555\n"; }));
+  StartDaemon();
+  const auto daemonSays = [this] { return Content(root_.Path() / "dlt-daemon.err"); };
+  ASSERT_TRUE(WaitFor([&] { return daemonSays().find("log-level to context: TROV:TRO1 [-1 -> 4]") != std::string::npos; }));
+  const auto heard = (root_.Path() / "heard.dlt").string();
+  Process receiver{Tool("dlt-receive", {"-o", heard, "-p", port_, "127.0.0.1"})};
+  EXPECT_TRUE(WaitFor([&] {
+    (void)speaker.WriteLine("a fine line");
+    return Content(heard).find("a fine line") != std::string::npos;
+  }));
+  EXPECT_THAT(Content(options.outputPath), testing::EndsWith("555\n"));
 }
 
 TEST_F(Dlt, WithoutADaemonTheProgramEndsAllTheSameAndPrintsNothing) {

@@ -1,4 +1,5 @@
 #include "ara/log/logging.h"
+#include "ara/log/impl/levels.h"
 #include "tests/support/log_file.h"
 #include "tests/support/temp_root.h"
 
@@ -35,6 +36,7 @@ class Logging : public testing::Test {
     if (const char* const path = std::getenv("LOGGING_TEST_FILE")) file_ = path;
     ::setenv("LOGGING_TEST_FILE", file_.c_str(), 1);
   }
+  ~Logging() override { ::unsetenv("LOGGING_TEST_FILE"); }
   std::string Sink() const { return "file:" + file_; }
   std::vector<std::string> RawLines() const {
     std::vector<std::string> raw;
@@ -89,24 +91,55 @@ TEST_F(Logging, LosesNothingToAnUncaughtExceptionAndTellsItsReason) {
   EXPECT_THAT(lines.back(), testing::EndsWith("FATAL TROV DFLT Terminated by an exception: the reason"));
 }
 
-TEST_F(Logging, KeepsTheOrderOfEachThread) {
+TEST_F(Logging, LevelsAreThoseOfTheEnvironmentByContext) {
   EXPECT_EXIT(
       {
+        auto& early = CreateLogger("TROV", "made before the start");
+        ::setenv("ARA_LOG_LEVEL", "TROV=debug,ACOM=error,*=fatal", 1);
         StartLogging(Sink());
-        std::vector<std::thread> threads;
-        for (const char* const name : {"A", "B", "C", "D"}) {
-          threads.emplace_back([&logger = CreateLogger(name, "thread")] {
-            for (int i = 0; i < 1000; ++i) logger.LogInfo() << i;
-          });
-        }
-        for (auto& thread : threads) thread.join();
+        const auto logAll = [](const ara::log::Logger& logger) {
+          logger.LogFatal() << "fatal";
+          logger.LogError() << "error";
+          logger.LogWarn() << "warn";
+          logger.LogDebug() << "debug";
+          logger.LogVerbose() << "verbose";
+        };
+        logAll(early);
+        logAll(CreateLogger("TROV", "made later"));
+        logAll(CreateLogger("ACOM", ""));
+        logAll(CreateLogger("ELSE", ""));
         std::exit(0);
       },
       ExitedWithCode(0), "");
+  std::map<std::string, std::string> texts;
   test_support::LogFile file{Sink().substr(5)};
-  std::map<std::string, int> next;
-  for (const auto& line : file.Lines()) ASSERT_EQ(line.text, std::to_string(next[line.context]++)) << line.raw;
-  EXPECT_EQ(next, (std::map<std::string, int>{{"A", 1000}, {"B", 1000}, {"C", 1000}, {"D", 1000}}));
+  for (const auto& line : file.Lines()) texts[line.context] += line.text + " ";
+  EXPECT_EQ(texts, (std::map<std::string, std::string>{
+                       {"TROV", "fatal error warn debug fatal error warn debug "}, {"ACOM", "fatal error "}, {"ELSE", "fatal "}}));
+}
+
+TEST_F(Logging, AWrongLevelIsOneWarningAndTheDefaultHolds) {
+  EXPECT_EXIT(
+      {
+        ::setenv("ARA_LOG_LEVEL", "*=verbose,TROV=loud", 1);
+        StartLogging(Sink());
+        CreateLogger("TROV", "zuva").LogInfo() << "at the default";
+        CreateLogger("TROV", "zuva").LogDebug() << "finer";
+        std::exit(0);
+      },
+      ExitedWithCode(0), "");
+  EXPECT_THAT(RawLines(), testing::ElementsAre(testing::HasSubstr("WARN TROV DFLT ARA_LOG_LEVEL is \"*=verbose,TROV=loud\""),
+                                               testing::EndsWith("INFO TROV TROV at the default")));
+}
+
+TEST(Levels, OneWordIsForAllAndHalfAPairForNobody) {
+  const auto verbose = ara::log::impl::ReadLevels("verbose", LogLevel::kInfo);
+  ASSERT_TRUE(verbose);
+  EXPECT_EQ(verbose->Of("TROV"), LogLevel::kVerbose);
+  for (const char* const wrong :
+       {"off", "INFO", "TROV", "TROV=", "=info", "info,TROV=debug", "TROV=info,", ",", "A=info,A=warn", "A=info=warn"}) {
+    EXPECT_FALSE(ara::log::impl::ReadLevels(wrong, LogLevel::kInfo)) << wrong;
+  }
 }
 
 TEST_F(Logging, TellsWhatIsWrongWithTheSinkAndCanStartAfterwards) {

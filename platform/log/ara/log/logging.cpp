@@ -2,6 +2,7 @@
 
 #include "ara/log/impl/backend.h"
 #include "ara/log/impl/dlt_sink.h"
+#include "ara/log/impl/levels.h"
 #include "ara/log/impl/line_sink.h"
 
 #include <cstdlib>
@@ -22,10 +23,15 @@ struct Target {
   std::string path;
 };
 
+/// Empty if it is unset.
+std::string_view FromEnvironment(const char* name) {
+  const char* const variable = std::getenv(name);
+  return variable == nullptr ? std::string_view{} : std::string_view{variable};
+}
+
 /// ARA_LOG, or the caller's choice if it is unset or empty.
 Target ChooseTarget(LogMode mode, std::string path) {
-  const char* const variable = std::getenv("ARA_LOG");
-  const std::string_view wanted = variable == nullptr ? std::string_view{} : std::string_view{variable};
+  const std::string_view wanted = FromEnvironment("ARA_LOG");
   constexpr std::string_view kFile = "file:";
   if (wanted.empty()) return {mode, std::move(path)};
   if (wanted == "dlt") return {LogMode::kRemote, {}};
@@ -39,7 +45,8 @@ Target ChooseTarget(LogMode mode, std::string path) {
 std::unique_ptr<impl::Sink> OpenSink(const Target& target, std::string applicationId, const std::string& description) {
   switch (target.mode) {
     case LogMode::kRemote:
-      return impl::MakeDltSink(applicationId, description);
+      return impl::MakeDltSink(applicationId, description,
+                               [](const Logger& logger, LogLevel level) { Backend::Instance().SetLevelOf(logger, level); });
     case LogMode::kConsole:
       return impl::LineSink::OnConsole(std::move(applicationId));
     case LogMode::kFile:
@@ -75,8 +82,14 @@ void InitLogging(std::string applicationId, const std::string& description, LogL
   Backend& backend = Backend::Instance();
   backend.ExpectNotStarted();
   auto sink = OpenSink(ChooseTarget(mode, std::move(path)), std::move(applicationId), description);
-  backend.SetLevel(defaultLevel);
+  const std::string_view wanted = FromEnvironment("ARA_LOG_LEVEL");
+  auto levels = wanted.empty() ? impl::Levels{defaultLevel} : impl::ReadLevels(wanted, defaultLevel);
+  backend.SetLevels(levels.value_or(impl::Levels{defaultLevel}));
   backend.Start(std::move(sink));
+  if (!levels) {
+    LogWarn() << "ARA_LOG_LEVEL is \"" << wanted << "\", but must be one of fatal, error, warn, info, debug, verbose, or pairs such as "
+              << "TROV=info,*=debug: it is ignored";
+  }
   terminateBefore = std::set_terminate(WriteLastWords);
   (void)std::atexit([] { Backend::Instance().Stop(); });  // after libdlt's own handler, hence called before it
 }

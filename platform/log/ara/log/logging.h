@@ -13,7 +13,9 @@ namespace ara::log {
 /// The environment variable ARA_LOG selects where lines go: `dlt`, `console` (standard error) or `file:<path>`; without it `mode`
 /// decides, with `path` for the file. A console or file line reads
 /// `2026-11-24T10:15:30.123456Z <level> <application id> <context id> <text>` with control characters as `\xNN`.
-/// All loggers, those that exist already too, get the level `defaultLevel`.
+/// All loggers, those that exist already too, get the level `defaultLevel`, or what ARA_LOG_LEVEL says: one word of `fatal`, `error`,
+/// `warn`, `info`, `debug`, `verbose`, or pairs by context id, `TROV=info,ACOM=verbose`, with `*` for all others. A wrong value is
+/// one warning and changes nothing. With DLT a viewer turns each context up or down at run time.
 ///
 /// Lines are written by a thread of its own, from a ring of 8 MiB; when the ring is full records are dropped and one warning
 /// `N log records lost` follows. Records made before this call are kept, up to a bound, and written first. A terminate handler is

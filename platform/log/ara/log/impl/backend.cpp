@@ -15,18 +15,33 @@ Backend& Backend::Instance() {
 Backend::Backend() : defaultLogger_{LoggerOf("DFLT", "Default")} {}
 
 Logger& Backend::LoggerOf(std::string contextId, std::string description) {
+  Logger& logger = FindOrAdd(std::move(contextId), std::move(description));
+  // Either `Start` sees the logger or the logger's maker sees the writer; both at once do no harm.
+  if (Writer* const writer = writer_.load(std::memory_order_acquire)) writer->Introduce(logger);
+  return logger;
+}
+
+Logger& Backend::FindOrAdd(std::string contextId, std::string description) {
   const std::lock_guard lock{loggersMutex_};
   const auto known = std::find_if(loggers_.begin(), loggers_.end(), [&](const Logger& logger) {
     return logger.ContextId() == contextId && logger.Description() == description;
   });
   if (known != loggers_.end()) return *known;
-  return loggers_.emplace_back(std::move(contextId), std::move(description), level_);
+  const LogLevel level = levels_.Of(contextId);
+  return loggers_.emplace_back(std::move(contextId), std::move(description), level);
 }
 
-LogLevel Backend::SetLevel(LogLevel level) {
+Levels Backend::SetLevels(Levels levels) {
   const std::lock_guard lock{loggersMutex_};
-  for (Logger& logger : loggers_) logger.SetLevel(level);
-  return std::exchange(level_, level);
+  for (Logger& logger : loggers_) logger.SetLevel(levels.Of(logger.ContextId()));
+  return std::exchange(levels_, std::move(levels));
+}
+
+void Backend::SetLevelOf(const Logger& logger, LogLevel level) {
+  const std::lock_guard lock{loggersMutex_};
+  for (Logger& known : loggers_) {
+    if (&known == &logger) known.SetLevel(level);
+  }
 }
 
 void Backend::ExpectNotStarted() const {
@@ -34,9 +49,18 @@ void Backend::ExpectNotStarted() const {
 }
 
 void Backend::Start(std::unique_ptr<Sink> sink) {
-  const std::lock_guard lock{earlyMutex_};
-  ExpectNotStarted();
-  writer_.store(new Writer{std::move(sink), defaultLogger_, early_.Take()}, std::memory_order_release);
+  {
+    const std::lock_guard lock{earlyMutex_};
+    ExpectNotStarted();
+    writer_.store(new Writer{std::move(sink), defaultLogger_, early_.Take()}, std::memory_order_release);
+  }
+  Writer& writer = *writer_.load(std::memory_order_relaxed);
+  for (std::size_t i = 0; const Logger* const logger = LoggerAt(i); ++i) writer.Introduce(*logger);
+}
+
+const Logger* Backend::LoggerAt(std::size_t index) {
+  const std::lock_guard lock{loggersMutex_};
+  return index < loggers_.size() ? &loggers_[index] : nullptr;
 }
 
 void Backend::Submit(const Record& record) noexcept {

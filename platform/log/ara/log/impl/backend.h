@@ -1,12 +1,14 @@
 #pragma once
 
 #include "ara/log/impl/early_records.h"
+#include "ara/log/impl/levels.h"
 #include "ara/log/impl/record.h"
 #include "ara/log/impl/sink.h"
 #include "ara/log/impl/writer.h"
 #include "ara/log/logger.h"
 
 #include <atomic>
+#include <cstddef>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -30,8 +32,10 @@ class Backend {
 
   Logger& LoggerOf(std::string contextId, std::string description);
   const Logger& DefaultLogger() const noexcept { return defaultLogger_; }
-  /// The level of all loggers, present and future; returns the one before.
-  LogLevel SetLevel(LogLevel level);
+  /// The levels of all loggers, present and future; returns those before.
+  Levels SetLevels(Levels levels);
+  /// The level of one logger, whatever its context.
+  void SetLevelOf(const Logger& logger, LogLevel level);
 
   /// Throws `std::runtime_error` if there is a writer already.
   void Start(std::unique_ptr<Sink> sink);
@@ -46,6 +50,8 @@ class Backend {
 
  private:
   Backend();
+  Logger& FindOrAdd(std::string contextId, std::string description);
+  const Logger* LoggerAt(std::size_t index);  // null behind the last one
   void TellListeners(const Record& record);
   void SubmitEarly(const Record& record);
 
@@ -56,9 +62,9 @@ class Backend {
   std::mutex earlyMutex_;
   EarlyRecords early_;
 
-  // Guards the list of loggers and the level of new ones; the loggers themselves stay where they are.
+  // Guards the list of loggers and their levels as set here; the loggers themselves stay where they are.
   std::mutex loggersMutex_;
-  LogLevel level_ = LogLevel::kInfo;
+  Levels levels_;
   std::deque<Logger> loggers_;
 
   // Guards listeners_.

@@ -12,6 +12,9 @@ class Sink {
  public:
   virtual ~Sink() = default;
 
+  /// There is a logger, which may never log a line. May come more than once for one.
+  virtual void Introduce(const Logger&) {}
+
   /// Takes a record, which may wait here until `Flush`.
   virtual void Write(const Record& record) = 0;
 

@@ -41,6 +41,15 @@ void Writer::Push(const Record& record) noexcept {
   if (state == State::asleep || (urgent && state == State::napping)) Wake();
 }
 
+void Writer::Introduce(const Logger& logger) noexcept {
+  const std::lock_guard lock{sinkMutex_};
+  try {
+    sink_->Introduce(logger);
+  } catch (const std::exception&) {
+    // No memory: the sink meets the logger with its first line.
+  }
+}
+
 void Writer::Wake() noexcept {
   if (state_.exchange(State::working, std::memory_order_seq_cst) == State::working) return;  // somebody else does it
   const std::lock_guard lock{sleepMutex_};

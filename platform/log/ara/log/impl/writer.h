@@ -29,6 +29,9 @@ class Writer {
   /// Copies the record; without room it is counted, and one warning tells how many were lost. Any thread.
   void Push(const Record& record) noexcept;
 
+  /// Tells the sink of a logger; waits while a block is being written. Any thread.
+  void Introduce(const Logger& logger) noexcept;
+
   /// Waits until what was pushed before is with the sink, as long as the sink's patience lasts; false if it did not suffice. Any thread.
   bool Drain() noexcept;
 

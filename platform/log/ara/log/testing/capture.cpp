@@ -23,11 +23,11 @@ Capture::Capture() : store_{std::make_shared<Store>()} {
 }
 
 Capture::Capture(LogLevel level) : Capture{} {
-  levelBefore_ = Backend::Instance().SetLevel(level);
+  levelsBefore_ = Backend::Instance().SetLevels({level});
 }
 
 Capture::~Capture() {
-  if (levelBefore_) Backend::Instance().SetLevel(*levelBefore_);
+  if (levelsBefore_) Backend::Instance().SetLevels(*std::move(levelsBefore_));
   Backend::Instance().Unregister(store_.get());
 }
 

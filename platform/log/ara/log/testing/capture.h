@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ara/log/impl/levels.h"
 #include "ara/log/log_level.h"
 
 #include <memory>
@@ -34,7 +35,7 @@ class Capture {
  private:
   struct Store;
   std::shared_ptr<Store> store_;
-  std::optional<LogLevel> levelBefore_;
+  std::optional<impl::Levels> levelsBefore_;
 };
 
 }  // namespace ara::log::testing
