@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -23,7 +24,20 @@ class EarlyRecords {
     std::size_t dropped = 0;
   };
 
-  void Keep(const Record& record) {
+  /// Without memory the record counts as dropped.
+  void Keep(const Record& record) noexcept {
+    try {
+      Add(record);
+    } catch (const std::exception&) {
+      ++kept_.dropped;
+    }
+  }
+
+  /// All that was kept; nothing is left.
+  Kept Take() noexcept { return std::exchange(kept_, {}); }
+
+ private:
+  void Add(const Record& record) {
     if (kept_.records.size() == kLimit) {
       kept_.records.pop_front();
       ++kept_.dropped;
@@ -31,10 +45,6 @@ class EarlyRecords {
     kept_.records.push_back({{record.time, record.level, record.logger, {}}, std::string{record.text}});
   }
 
-  /// All that was kept; nothing is left.
-  Kept Take() { return std::exchange(kept_, {}); }
-
- private:
   Kept kept_;
 };
 

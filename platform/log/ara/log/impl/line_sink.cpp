@@ -69,6 +69,18 @@ LineSink::~LineSink() {
 }
 
 void LineSink::Write(const Record& record) {
+  const std::size_t before = block_.size();
+  try {
+    Append(record);
+  } catch (...) {  // no memory: half a line would run into the next one
+    block_.resize(before);
+    throw;
+  }
+  ++records_;
+  if (block_.size() >= kBlock) lost_ += Flush();
+}
+
+void LineSink::Append(const Record& record) {
   timestamp_.AppendTo(block_, record.time);
   block_ += ' ';
   block_ += kLevelWords.at(static_cast<std::size_t>(record.level));
@@ -79,8 +91,6 @@ void LineSink::Write(const Record& record) {
   block_ += ' ';
   AppendEscaped(block_, record.text);
   block_ += '\n';
-  ++records_;
-  if (block_.size() >= kBlock) lost_ += Flush();
 }
 
 std::size_t LineSink::Flush() noexcept {

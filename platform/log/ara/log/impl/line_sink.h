@@ -26,6 +26,7 @@ class LineSink final : public Sink {
   std::chrono::milliseconds Patience() const noexcept override { return std::chrono::seconds{2}; }
 
  private:
+  void Append(const Record& record);
   LineSink(std::string applicationId, int descriptor, bool owned);
 
   const std::string applicationId_;

@@ -85,7 +85,7 @@ bool Writer::WriteOut() noexcept {
   const std::uint64_t end = ring_.Reserved();
   bool wrote = false;
   for (Record record; ring_.Popped() < end && ring_.Front(record) && !abandoned_.load(std::memory_order_relaxed); ring_.Pop()) {
-    WriteLocked(record);
+    if (!WriteLocked(record)) lost_.fetch_add(1, std::memory_order_relaxed);
     wrote = true;
   }
   WarnOfLossLocked(lost);
@@ -102,7 +102,9 @@ bool Writer::WriteOut() noexcept {
 void Writer::WriteEarlyLocked() noexcept {
   if (early_.records.empty()) return;
   WarnOfLossLocked(std::exchange(early_.dropped, 0));  // first, since the dropped ones were the oldest
-  for (const auto& [record, text] : early_.records) WriteLocked({record.time, record.level, record.logger, text});
+  for (const auto& [record, text] : early_.records) {
+    if (!WriteLocked({record.time, record.level, record.logger, text})) lost_.fetch_add(1, std::memory_order_relaxed);
+  }
   early_.records.clear();
 }
 
@@ -110,14 +112,16 @@ void Writer::WarnOfLossLocked(std::size_t lost) noexcept {
   if (lost == 0 || !self_.IsLogEnabled(LogLevel::kWarn)) return;
   char text[64];
   const int length = std::snprintf(text, sizeof text, "%zu log records lost", lost);
-  WriteLocked({std::chrono::system_clock::now(), LogLevel::kWarn, &self_, {text, static_cast<std::size_t>(length)}});
+  const Record warning{std::chrono::system_clock::now(), LogLevel::kWarn, &self_, {text, static_cast<std::size_t>(length)}};
+  if (!WriteLocked(warning)) lost_.fetch_add(lost, std::memory_order_relaxed);  // to be said the next time
 }
 
-void Writer::WriteLocked(const Record& record) noexcept {
+bool Writer::WriteLocked(const Record& record) noexcept {
   try {
     sink_->Write(record);
-  } catch (const std::exception&) {  // no memory for it; a log must not end the process for that
-    lost_.fetch_add(1, std::memory_order_relaxed);
+    return true;
+  } catch (const std::exception&) {  // a log must not end the process for that
+    return false;
   }
 }
 

@@ -48,7 +48,7 @@ class Writer {
   bool WriteOut() noexcept;
   void WriteEarlyLocked() noexcept;
   void WarnOfLossLocked(std::size_t lost) noexcept;
-  void WriteLocked(const Record& record) noexcept;
+  [[nodiscard]] bool WriteLocked(const Record& record) noexcept;  // false: no memory for it
   void StopOnce() noexcept;
 
   RecordRing ring_;
