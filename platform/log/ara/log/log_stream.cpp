@@ -14,14 +14,14 @@ LogStream::LogStream(LogLevel level, const Logger& logger) noexcept
 
 LogStream::~LogStream() {
   if (!enabled_) return;
-  impl::Backend::Instance().Submit(
-      {std::chrono::system_clock::now(), level_, &logger_, whole_.empty() ? std::string_view{text_, size_} : whole_});
+  impl::Backend::Instance().Submit({std::chrono::system_clock::now(), level_, &logger_, {begin_, size_}});
 }
 
 LogStream& LogStream::operator<<(WholeLine line) noexcept {
   if (!enabled_) return *this;
-  whole_ = impl::CutOnCharacter(line.text, WholeLine::kLimit);
-  size_ = 0;
+  const std::string_view text = impl::CutOnCharacter(line.text, WholeLine::kLimit);
+  begin_ = text.data();
+  size_ = text.size();
   full_ = true;
   return *this;
 }

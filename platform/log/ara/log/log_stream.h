@@ -15,7 +15,7 @@ namespace ara::log {
 class Logger;
 
 /// A text that is a line by itself and keeps its whole length, up to `kLimit` bytes: one that is read by programs, such as JSON. It is
-/// not copied before the stream ends and must outlive it.
+/// not copied before the stream ends, and must outlive it.
 struct WholeLine {
   static constexpr std::size_t kLimit = std::size_t{16} * 1024;
   std::string_view text;
@@ -84,8 +84,8 @@ class LogStream {
   const bool enabled_;
   bool full_ = false;
   std::size_t size_ = 0;
-  std::string_view whole_;
-  char text_[kLineLimit];  // left uninitialised: only the first size_ bytes are ever read
+  const char* begin_ = text_;  // of the line: a whole one stands elsewhere
+  char text_[kLineLimit];      // left uninitialised: only the first size_ bytes are ever read
 };
 
 }  // namespace ara::log
