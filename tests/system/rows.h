@@ -24,6 +24,7 @@ struct ResourceRow {
   Lines lines;             ///< all that the log tells of the records, in order; `kNoType` stands for that of a record without a type
 };
 inline const std::string kNoType = "(no type)";
+inline constexpr unsigned kNoSuchType = 4711;
 std::vector<ResourceRow> ResourceRows();
 
 /// What the two roads of a field say by themselves. An empty line is not told.
