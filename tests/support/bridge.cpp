@@ -9,6 +9,8 @@ namespace test_support {
 
 namespace {
 
+constexpr std::string_view kListening = "Listening on http://127.0.0.1:";
+
 std::string Content(const std::filesystem::path& path) {
   std::ifstream file{path, std::ios::binary};
   return {std::istreambuf_iterator<char>{file}, {}};
@@ -33,15 +35,18 @@ void Bridge::Start(const std::map<std::string, std::optional<std::string>>& envi
   options.environment.emplace("ARA_ROOT", root_.Path().string());
   options.environment.emplace("ARA_LOG", "file:" + root_.LogPath().string());
   options.environment.emplace("NOTIFY_SOCKET", root_.NotifyPath().string());
+  const auto& lines = log_.Lines();
+  listened_ =
+      static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [](const auto& l) { return l.text.starts_with(kListening); }));
+  port_ = 0;
   process_ = std::make_unique<Process>(options);
 }
 
 std::uint16_t Bridge::Port() {
   if (port_) return port_;
-  const std::string_view opening = "Listening on http://127.0.0.1:";
-  const auto line = log_.WaitForLine(opening, 1, std::chrono::seconds{30});
+  const auto line = log_.WaitForLine(kListening, listened_ + 1, std::chrono::seconds{30});
   if (!line) throw std::runtime_error("the program does not listen; the end of its log:" + Tail(log_.Lines()) + "\n" + StandardError());
-  port_ = static_cast<std::uint16_t>(std::stoul(line->text.substr(line->text.find(opening) + opening.size())));
+  port_ = static_cast<std::uint16_t>(std::stoul(line->text.substr(line->text.find(kListening) + kListening.size())));
   return port_;
 }
 

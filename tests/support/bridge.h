@@ -8,6 +8,7 @@
 #include "tests/support/ws_client.h"
 
 #include <csignal>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,7 +21,7 @@ class Bridge {
  public:
   explicit Bridge(const TempRoot& root);
 
-  /// Starts the program; its environment may be changed with `environment`.
+  /// Starts the program, or starts it again after its end; its environment may be changed with `environment`.
   void Start(const std::map<std::string, std::optional<std::string>>& environment = {});
   /// Waits for the HTTP port and gives it. Throws std::runtime_error with the end of the log if the program does not listen in time.
   std::uint16_t Port();
@@ -43,6 +44,7 @@ class Bridge {
   NotifySocket manager_;
   LogFile log_;
   std::unique_ptr<Process> process_;
+  std::size_t listened_ = 0;  // lines of former starts that tell a port
   std::uint16_t port_ = 0;
 };
 

@@ -1,3 +1,4 @@
+#include "tests/support/raw_socket.h"
 #include "tests/system/system_test.h"
 
 #include <csignal>
@@ -7,6 +8,7 @@ namespace system_test {
 namespace {
 
 using test_support::ExitStatus;
+using test_support::RawSocket;
 
 const std::string kHandlerText = "sig_handler -> SIGABRT || SIGINT || SIGTERM ";
 const std::string kStarted = "TROV version 1.10.10 has started!", kStopped = "TROV version 1.10.10 has stopped!";
@@ -117,7 +119,7 @@ TEST_F(StartStop, TheServiceManagerHearsReadyAliveAndStopping) {
   EXPECT_NEAR(aliveGaps[aliveGaps.size() / 2], 0.5, 0.2);
 }
 
-TEST_F(StartStop, ARunningSetAndAnOpenSocketDoNotHoldUpTheStop) {
+TEST_F(StartStop, ARunningSetIsAnsweredAndThenNothingHoldsTheStopUp) {
   StartBoth();
   Fault("valueControls", {{"set", "silent"}});
   const auto element = WaitForElement("valueControls", "immediateChargingOptionsTargetSoc");
@@ -127,12 +129,62 @@ TEST_F(StartStop, ARunningSetAndAnOpenSocketDoNotHoldUpTheStop) {
   ws.Send({{"action", "set"}, {"path", (*element)["uri"]}, {"value", {{"currentValue", 50}}}, {"requestId", 1}});
   ASSERT_TRUE(vehicle_->WaitForEvent("set", "valueControls"));
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(bridge_.Stop(), ExitStatus{});
-  EXPECT_LT(SecondsSince(start), 8.0);
+  bridge_.Program().Signal(SIGTERM);
   const auto answer = ws.WaitForEvent([](const json& m) { return m.value("requestId", json{}) == 1; });
   ASSERT_TRUE(answer);
   EXPECT_EQ((*answer)["error"]["number"], 500);
   EXPECT_EQ(ws.WaitForClose(), 1001U);
+  EXPECT_EQ(bridge_.Program().WaitForEnd(), ExitStatus{});
+  EXPECT_LT(SecondsSince(start), 2.5) << "a second for the set, and half a second each until the stop is noticed and the supervision ends";
+}
+
+TEST_F(StartStop, AMuteVehicleAndClientsThatHangDelayTheStopByTwoSecondsAtMost) {
+  StartBoth();
+  Fault("valueControls", {{"set", "silent"}});
+  const auto element = WaitForElement("valueControls", "immediateChargingOptionsTargetSoc");
+  ASSERT_TRUE(element);
+  const auto head =
+      "POST " + element->value("uri", "") + " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: ";
+  const auto port = bridge_.Port();
+  RawSocket idle{port}, half{port}, lazy{port, 4096}, hearing{port, 4096}, writing{port, 4096};
+  half.Send(head + "19\r\n\r\n{");
+  for (int i = 0; i < 2000; ++i) lazy.Send("GET /ChargingManagementCore/valueControls HTTP/1.1\r\nHost: localhost\r\n\r\n");
+  hearing.Upgrade();
+  hearing.Send(test_support::ClientFrame(0x81, R"({"action":"subscribe","path":"/ChargingManagementCore","requestId":"1"})"));
+  for (int i = 0; i < 2000; ++i) writing.Send("GET /ChargingManagementCore/valueControls HTTP/1.1\r\nHost: localhost\r\n\r\n");
+  auto ws = bridge_.Ws();
+  ws.Send({{"action", "set"}, {"path", (*element)["uri"]}, {"value", {{"currentValue", 50}}}, {"requestId", 1}});
+  ASSERT_TRUE(vehicle_->WaitForEvent("set", "valueControls"));
+  bridge_.Program().Signal(SIGTERM);
+  ASSERT_TRUE(bridge_.Log().WaitForLine("[Zuva][Zuva -> SomeIp] ValueControl Internal error"));
+  const auto answered = std::chrono::steady_clock::now();
+  ASSERT_TRUE(bridge_.Log().WaitForLine("Ended main block."));
+  EXPECT_LT(SecondsSince(answered), 2.2);
+  EXPECT_EQ(bridge_.Program().WaitForEnd(), ExitStatus{});
+}
+
+TEST_F(StartStop, AStopThatWaitsForTheVehicleIsSupervisedToItsEnd) {
+  StartVehicle();
+  for (const char* field : {"views", "notifications"})
+    Fault(field, {{"get", "silent"}});  // which holds a round of gets up for two seconds each
+  bridge_.Start();
+  ASSERT_TRUE(vehicle_->WaitUntilSubscribed());
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(bridge_.Stop(), ExitStatus{});  // the round that is due is done all the same
+  const auto end = std::chrono::steady_clock::now();
+  ASSERT_GT(Seconds{end - start}.count(), 3.5) << "no slow stop";
+
+  std::optional<std::chrono::steady_clock::time_point> stopping;
+  auto alive = start;
+  for (const auto& notice : bridge_.Manager().Notices()) {
+    if (notice.text == "STOPPING=1") stopping = notice.time;
+    if (notice.text != "WATCHDOG=1" || notice.time < start) continue;
+    EXPECT_LT(Seconds{notice.time - alive}.count(), 1.0) << "the service manager would have ended the program";
+    alive = notice.time;
+  }
+  EXPECT_LT(Seconds{end - alive}.count(), 1.0);
+  ASSERT_TRUE(stopping);
+  EXPECT_GT(Seconds{*stopping - start}.count(), 3.5) << "reported before all had ended";
 }
 
 }  // namespace
