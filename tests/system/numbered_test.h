@@ -11,6 +11,19 @@
 
 namespace system_test {
 
+inline bool Shows(const json& element, const NumberedValue& value) {
+  if (element.value("type", "") != value.type) return false;
+  const auto& members = value.members.items();
+  return std::all_of(members.begin(), members.end(),
+                     [&](const auto& member) { return element.value(member.key(), json{}) == member.value(); });
+}
+/// Whether a subscriber holds the value.
+inline bool IsMirrored(const test_support::Mirror& mirror, const NumberedValue& value) {
+  const auto& all = mirror.Elements();
+  return std::any_of(all.begin(), all.end(),
+                     [&](const auto& entry) { return entry.first.starts_with(value.resource + "/") && Shows(entry.second, value); });
+}
+
 /// Vehicles with numbered values, which clients follow by GET and by subscription.
 class NumberedTest : public SystemTest {
  protected:
@@ -34,7 +47,7 @@ class NumberedTest : public SystemTest {
         [&] {
           mirror_->CatchUp();
           std::erase_if(unseen, [this](const NumberedValue& value) {
-            if (!IsMirrored(value) || !IsAnswered(value)) return false;
+            if (!IsMirrored(*mirror_, value) || !IsAnswered(value)) return false;
             lastSeen_ = value.field;
             return true;
           });
@@ -50,14 +63,6 @@ class NumberedTest : public SystemTest {
   std::string lastSeen_;  // the field for which Unseen has waited longest
 
  private:
-  static bool Shows(const json& element, const NumberedValue& value) {
-    return element.value("type", "") == value.type && Has(element, value.members);
-  }
-  bool IsMirrored(const NumberedValue& value) const {
-    const auto& all = mirror_->Elements();
-    return std::any_of(all.begin(), all.end(),
-                       [&](const auto& entry) { return entry.first.starts_with(value.resource + "/") && Shows(entry.second, value); });
-  }
   bool IsAnswered(const NumberedValue& value) {
     const auto elements = Http().Get(value.resource).Json();
     return std::any_of(elements.begin(), elements.end(), [&](const json& element) { return Shows(element, value); });
