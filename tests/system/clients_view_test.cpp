@@ -30,16 +30,6 @@ class ClientsView : public SystemTest {
   json control_, marker_;
 };
 
-TEST_F(ClientsView, QueriesAskForSeveralPropertiesAndShowSome) {
-  const json shown{{"id", control_["id"]}, {"uri", control_["uri"]}, {"currentValue", 65}, {"unitPercent", "percent"}};
-  const auto get = [&](const std::string& target) { return Http().Get(target).Json(); };
-  EXPECT_EQ(get(kControls + "?unitPercent=percent&currentValue=65&fields=currentValue,unitPercent"), json::array({shown}));
-  EXPECT_EQ(get(control_["uri"].get<std::string>() + "?fields=currentValue,unitPercent"), shown);
-  EXPECT_EQ(get(kControls + "?unitPercent=percent&currentValue=66"), json::array());
-  EXPECT_EQ(get(kControls + "?unitDistance=km"), json::array());
-  EXPECT_EQ(get("/ChargingManagementCore/notificationMarkers?notificationSocValue=65"), json::array()) << "an object is no scalar";
-}
-
 TEST_F(ClientsView, TheTagOfACompositeFollowsWhatItEmbeds) {
   const auto path = marker_["uri"].get<std::string>();
   const auto tag = Http().Get(path).headers.at("etag");

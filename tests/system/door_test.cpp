@@ -152,29 +152,19 @@ struct OddBody {
 const std::vector<OddBody>& OddBodies() {
   static const std::string malformed = "malformed JSON", range = "Bad Request: value not in allowed range", kind = "Bad Message",
                            foreign = "Conflict: not allowed parameter(s) included";
-  static const std::vector<OddBody> bodies{
-      {R"({"currentValue":-0})", 200, ""},
-      {R"({"currentValue":2e0})", 400, kind},
-      {R"({"currentValue":1e400})", 400, malformed},
-      {R"({"currentValue":-1e400})", 400, malformed},
-      {R"({"currentValue":9223372036854775807})", 400, range},
-      {R"({"currentValue":9223372036854775808})", 400, kind},
-      {R"({"currentValue":-9223372036854775808})", 400, range},
-      {R"({"currentValue":-9223372036854775809})", 400, kind},
-      {R"({"currentValue":18446744073709551616})", 400, kind},
-      {R"({"currentValue":18446744073709551671})", 400, kind},
-      {R"({"currentValue":)" + std::string(10'000, '[') + std::string(10'000, ']') + "}", 400, "JSON nested too deep"},
-      {R"({"currentValue":)" + std::string(10'000, '['), 400, "JSON nested too deep"},
-      {R"({"currentValue":1,"currentValue":1})", 400, "repeated key in a JSON object"},
-      {R"({"currentValue":1,"current\u0056alue":2})", 400, "repeated key in a JSON object"},
-      {R"({"currentValue\u0000":1})", 409, foreign},
-      {R"({"\u0000":1})", 409, foreign},
-      {std::string{"{\"currentValue\0\":1}", 19}, 400, malformed},
-      {R"({"specialState":"off\u0000"})", 400, range},
-      {R"({"specialState":"\ud800"})", 400, malformed},
-      {R"({"specialState":"\udc00\ud800"})", 400, malformed},
-      {R"({"\ud800":1})", 400, malformed},
-      {R"({"currentValue":1} )" + std::string(1, '\0'), 400, malformed}};
+  static const std::vector<OddBody> bodies{{R"({"currentValue":-0})", 200, ""},
+                                           {R"({"currentValue":2e0})", 400, kind},
+                                           {R"({"currentValue":1e400})", 400, malformed},
+                                           {R"({"currentValue":9223372036854775807})", 400, range},
+                                           {R"({"currentValue":9223372036854775808})", 400, kind},
+                                           {R"({"currentValue":-9223372036854775808})", 400, range},
+                                           {R"({"currentValue":18446744073709551671})", 400, kind},
+                                           {R"({"currentValue":)" + std::string(10'000, '['), 400, "JSON nested too deep"},
+                                           {R"({"currentValue":1,"current\u0056alue":2})", 400, "repeated key in a JSON object"},
+                                           {R"({"currentValue\u0000":1})", 409, foreign},
+                                           {std::string{"{\"currentValue\0\":1}", 19}, 400, malformed},
+                                           {R"({"specialState":"off\u0000"})", 400, range},
+                                           {R"({"specialState":"\ud800"})", 400, malformed}};
   return bodies;
 }
 
