@@ -88,8 +88,8 @@ TEST_F(Hostile, MessagesAndDiscoveryOfTheVehicle) {
 TEST_F(Hostile, RequestsAndFramesOfClients) {
   const auto element = WaitForElement("valueControls", "immediateChargingOptionsTargetSoc");
   ASSERT_TRUE(element);
-  const std::string nested(30'000, '['), host = " HTTP/1.1\r\nHost: localhost\r\n", json = "Content-Type: application/json\r\n",
-                                         post = "POST " + element->value("uri", "") + host + json;
+  const std::string nested(30'000, '['), host = " HTTP/1.1\r\nHost: localhost\r\n", typed = "Content-Type: application/json\r\n",
+                                         post = "POST " + element->value("uri", "") + host + typed;
   const std::pair<std::string, const char*> requests[] = {
       {std::string{"\x00\x01\x02\r\n\r\n", 7}, "400"},
       {"GET /%00%0a%1b%5b31m" + host + "\r\n", "404"},
@@ -97,7 +97,7 @@ TEST_F(Hostile, RequestsAndFramesOfClients) {
       {post + "Content-Length: 99999999999999999999\r\n\r\n", "400"},
       {post + "Transfer-Encoding: chunked\r\n\r\nffffffffffffffff\r\n", "413"},
       {post + "Content-Length: 30000\r\n\r\n" + nested, "400"},
-      {"POST /ChargingManagementCore" + host + json + "Content-Length: 30000\r\n\r\n" + nested, "405"}};
+      {"POST /ChargingManagementCore" + host + typed + "Content-Length: 30000\r\n\r\n" + nested, "405"}};
   for (const auto& [request, status] : requests) {
     RawSocket socket{bridge_.Port()};
     socket.Send(request);
