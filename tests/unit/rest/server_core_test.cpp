@@ -25,8 +25,8 @@ TEST(ServerCore, StartsInOrderAndPublishesItsServices) {
   EXPECT_THAT(log.Lines(), ElementsAre("Starting the server population...", "Registered preupdate callbacks...",
                                        "Removing zuva server service ResetToFactoryData...", "Starting ZuVa server...",
                                        "Starting SomeIP listeners...", "Completed start of SomeIP listeners..."));
-  EXPECT_EQ(application.Get("/ChargingManagementCore")["versions"], nlohmann::json::array({"0.10.1"}));
-  EXPECT_EQ(application.Get("/FactoryReset")["versions"], nlohmann::json::array({"1.3.0"}));
+  EXPECT_EQ(application.Get("/ChargingManagementCore")["versions"], nlohmann::ordered_json::array({"0.10.1"}));
+  EXPECT_EQ(application.Get("/FactoryReset")["versions"], nlohmann::ordered_json::array({"1.3.0"}));
   EXPECT_EQ(application.Get("/")["services"].size(), 2U);
   EXPECT_EQ(application.Get("/ChargingManagementCore")["resources"].size(), 18U);
   EXPECT_EQ(application.Status("/ChargingManagementCore/resetToFactoryData"), 404);
