@@ -196,12 +196,33 @@ TEST_F(Discovery, ListsFurtherInstancesBehindTheFirst) {
   EXPECT_EQ(list[0].instance.value(), "0x0001");
   EXPECT_EQ(list[1].instance.value(), "0x0002");
   Inbox<List> only_second;
-  const auto find = transport_->start_find(kService, "0x0002", [&](List found) { only_second.put(std::move(found)); });
+  const auto find = transport_->start_find(kService, "0x0002", [&](List found) {
+    only_second.put(std::move(found));
+    return true;
+  });
   EXPECT_EQ(only_second.next().size(), 1U) << "at once, since it is there";
   vehicle_.withdraw();
   expect_list(1);
   second.withdraw();
   EXPECT_EQ(only_second.next().size(), 0U);
+}
+
+TEST_F(Discovery, AListThatAFindCouldNotTakeComesAgainWithTheNextOffer) {
+  Inbox<std::size_t> sizes;
+  int failures = 2;
+  const auto find = transport_->start_find(kService, "*", [&](const List& list) {
+    sizes.put(list.size());
+    if (failures == 2) return --failures, false;
+    if (failures-- == 1) throw std::runtime_error{"no"};
+    return true;
+  });
+  for (int i = 0; i < 3; ++i) {
+    vehicle_.offer();
+    EXPECT_EQ(sizes.next(), 1U);
+  }
+  vehicle_.offer();
+  vehicle_.withdraw();
+  EXPECT_EQ(sizes.next(), 0U) << "a list that was taken does not come again";
 }
 
 TEST_F(Discovery, OffersThatCannotBeMeantAreIgnored) {

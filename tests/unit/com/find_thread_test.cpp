@@ -27,6 +27,7 @@ class Slow_find {
     return std::make_shared<Find>("service", 1, std::nullopt, [this](Instance_list list) {
       told.put(list.size());
       gate.next();
+      return true;
     });
   }
 
@@ -69,7 +70,7 @@ TEST(FindThread, AHandlerThatThrowsEndsNothingAndAnEndedFindHearsNothing) {
   const auto find = slow.make();
   thread.post(find, list_of(1));
   EXPECT_EQ(slow.told.next(), 1U);  // its handler now holds up the thread
-  const auto bad = std::make_shared<Find>("bad", 1, std::nullopt, [](const Instance_list&) { throw std::runtime_error{"why"}; });
+  const auto bad = std::make_shared<Find>("bad", 1, std::nullopt, [](const Instance_list&) -> bool { throw std::runtime_error{"why"}; });
   auto ended = slow.make();
   thread.post(bad, {});
   thread.post(ended, list_of(7));
@@ -87,6 +88,7 @@ TEST(FindThread, TakesNoSignals) {
     sigset_t mask;
     ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
     blocked.put(::sigismember(&mask, SIGTERM) == 1 && ::sigismember(&mask, SIGINT) == 1);
+    return true;
   });
   thread.post(find, {});
   EXPECT_TRUE(blocked.next());

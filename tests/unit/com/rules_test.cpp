@@ -106,7 +106,12 @@ TEST(CallTable, TakesGetsByProtocolAndLeavesSets) {
 
 struct Book : testing::Test {
   static bool all(std::uint16_t) { return true; }
-  std::vector<std::uint16_t> due() { return book.take_due(all); }
+  /// What is due, which is then sent.
+  std::vector<std::uint16_t> due() {
+    const auto fields = book.due(all);
+    for (const auto field : fields) book.sent(field);
+    return fields;
+  }
 
   std::vector<State> states;
   Subscription_book book{3, [this](std::uint16_t, State state) { states.push_back(state); }};
@@ -131,13 +136,14 @@ TEST_F(Book, TellsOnceWhatTheServiceMayStillHoldAfterALoss) {
   due();
   book.acknowledged(0);
   book.refused(1);
-  EXPECT_FALSE(book.take_left(0)) << "nothing was lost";
+  EXPECT_FALSE(book.is_left(0)) << "nothing was lost";
   book.drop(all);
   book.drop(all);
-  EXPECT_TRUE(book.take_left(0));
-  EXPECT_FALSE(book.take_left(0));
-  EXPECT_FALSE(book.take_left(1)) << "it was refused";
-  EXPECT_TRUE(book.take_left(2)) << "its answer may be on its way";
+  EXPECT_TRUE(book.is_left(0));
+  EXPECT_FALSE(book.is_left(1)) << "it was refused";
+  EXPECT_TRUE(book.is_left(2)) << "its answer may be on its way";
+  book.sent(0);
+  EXPECT_FALSE(book.is_left(0));
 }
 
 TEST_F(Book, WhatWasRefusedWaitsForTheNextOffer) {
@@ -154,7 +160,7 @@ TEST_F(Book, WhatWasRefusedWaitsForTheNextOffer) {
 
 TEST_F(Book, WhatCannotGoNowStaysDue) {
   book.want(0);
-  EXPECT_THAT(book.take_due([](std::uint16_t) { return false; }), IsEmpty());
+  EXPECT_THAT(book.due([](std::uint16_t) { return false; }), IsEmpty());
   EXPECT_THAT(due(), ElementsAre(0));
   EXPECT_TRUE(book.unwant(0));
   book.acknowledged(0);  // a late one

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/wait_for.h"
 #include "xr/com/wire/deployment.h"
 #include "xr/com/wire/message_stream.h"
 #include "xr/com/wire/sd_message.h"
@@ -58,14 +59,19 @@ class Scripted_vehicle {
   bool accept();  ///< the next TCP connection
   void drop_connection() { connection_ = {}; }
   void send_stream(const Bytes& bytes);
-  std::optional<Received> wait_request();
+  std::optional<Received> wait_request() { return next_request(static_cast<int>(test_support::kPatience.count())); }
   void reply(const Received& request, const Bytes& payload, xr::com::wire::Message_type type = xr::com::wire::Message_type::response,
              std::uint8_t code = 0);
   void send_answer(const Received& request, const Bytes& message);
 
+  /// Plays a well-behaved service without waiting: takes a connection, acknowledges all subscriptions, and answers all requests with their
+  /// own payload. `options` go into each acknowledgement.
+  void serve(const std::vector<xr::com::wire::Option>& options = {});
+
  private:
   void open_ports();
-  bool read_discovery();
+  std::optional<Received> next_request(int milliseconds);
+  bool read_discovery(int milliseconds);
   const xr::com::wire::Field_deployment& field(const std::string& name) const { return *service_.find_field(name); }
 
   const boost::asio::ip::address_v4 address_;
