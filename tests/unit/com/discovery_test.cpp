@@ -145,6 +145,53 @@ TEST_F(Discovery, ARefusedSubscriptionIsTriedAgainWithTheNextOffer) {
   EXPECT_EQ(sink->states.next(), Subscription_state::subscribed);
 }
 
+TEST_F(Discovery, AnswersOfAForeignHostCountForNothing) {
+  meet();
+  Scripted_vehicle other{"127.0.0.3", deployment_, kServiceId};
+  const auto sink = subscribe("views");
+  auto subscription = vehicle_.wait_subscribe("views");
+  other.answer_to(vehicle_.client(), subscription, subscription.ttl);
+  vehicle_.answer(subscription, 0);
+  EXPECT_EQ(sink->states.next(), Subscription_state::pending);
+  EXPECT_EQ(sink->states.next(), Subscription_state::not_subscribed) << "a foreign acknowledgement";
+  vehicle_.offer();
+  subscription = vehicle_.wait_subscribe("views");
+  other.answer_to(vehicle_.client(), subscription, 0);
+  vehicle_.answer(subscription, subscription.ttl);
+  EXPECT_EQ(sink->states.next(), Subscription_state::pending);
+  EXPECT_EQ(sink->states.next(), Subscription_state::subscribed) << "a foreign refusal";
+}
+
+/// Gives its events back with the first notification.
+struct Leaving_sink final : xr::com::cpp_binding::proxy::Event_sink {
+  void event_updated(std::uint32_t, const std::vector<unsigned char>&) override { leave(); }
+  void event_state_changed(Subscription_state) override {}
+
+  std::function<void()> leave;
+};
+
+TEST_F(Discovery, WhatOnePeerIsToldAtATimeTravelsInOneMessage) {
+  meet();
+  vehicle_.withdraw();
+  expect_list(0);
+  const auto sink = std::make_shared<Leaving_sink>();
+  const std::vector<std::uint16_t> fields{index("batteryCareModes"), index("chargingPlugs"), index("notifications"), index("views")};
+  for (const auto field : fields) port_->subscribe(field, sink);
+  sink->leave = [&] {
+    for (const auto field : fields) port_->unsubscribe(field, sink.get());
+  };
+  vehicle_.offer();
+  const auto subscriptions = vehicle_.wait_subscriptions();
+  ASSERT_EQ(subscriptions.size(), fields.size());
+  for (const auto& subscription : subscriptions) vehicle_.answer(subscription, subscription.ttl);
+  EXPECT_EQ(vehicle_.wait_subscriptions(), subscriptions) << "the renewals";
+
+  vehicle_.send_datagram(subscriptions[0].options[0].endpoint, vehicle_.notification("views", {}));
+  const auto ends = vehicle_.wait_subscriptions();
+  EXPECT_EQ(ends.size(), fields.size());
+  for (const auto& end : ends) EXPECT_EQ(end.ttl, 0U);
+}
+
 TEST_F(Discovery, ABrokenConnectionIsMadeAgainWithItsGroups) {
   meet_over_tcp();
   const auto sink = subscribe("switchControls");

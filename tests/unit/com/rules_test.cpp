@@ -7,6 +7,7 @@
 #include "xr/com/transport/known_instances.h"
 #include "xr/com/transport/search.h"
 #include "xr/com/transport/subscription_book.h"
+#include "xr/com/transport/tcp_link.h"
 
 namespace xr::com::transport {
 namespace {
@@ -67,6 +68,13 @@ TEST(Search, WaitsInTheWindowThenDoublesThenIsQuiet) {
   EXPECT_GE(*first.begin(), 10);
   EXPECT_LE(*first.rbegin(), 50);
   EXPECT_GT(first.size(), 5U) << "a random delay";
+}
+
+TEST(ReconnectDelays, DoubleUpToTwoSecondsAndBeginAnew) {
+  Reconnect_delays delays;
+  for (const auto expected : {100ms, 200ms, 400ms, 800ms, 1600ms, 2000ms, 2000ms}) EXPECT_EQ(delays.next(), expected);
+  delays.reset();
+  EXPECT_EQ(delays.next(), 100ms);
 }
 
 std::shared_ptr<Call> call_of(Method_kind kind, bool reliable, Call::Time deadline = {}) {

@@ -143,13 +143,28 @@ Sd_entry Scripted_vehicle::wait_subscribe(const std::string& name) {
   });
 }
 
+std::vector<Sd_entry> Scripted_vehicle::wait_subscriptions() {
+  do {
+    std::erase_if(entries_, [](const Sd_entry& entry) { return entry.type != Entry_type::subscribe; });
+    if (!entries_.empty()) {
+      const auto taken = std::exchange(entries_, {});
+      return {taken.begin(), taken.end()};
+    }
+  } while (read_discovery(kPatienceMs));
+  return {};
+}
+
 void Scripted_vehicle::answer(const Sd_entry& subscribe, std::uint32_t ttl, std::vector<Option> options) {
+  answer_to(client_, subscribe, ttl, std::move(options));
+}
+
+void Scripted_vehicle::answer_to(const Endpoint& peer, const Sd_entry& subscribe, std::uint32_t ttl, std::vector<Option> options) {
   auto ack = subscribe;
   ack.type = Entry_type::subscribe_ack;
   ack.ttl = ttl;
   ack.options = std::move(options);
-  const auto session = sessions_.next_unicast(client_);
-  xr::com::wire::send_datagram(discovery_.get(), client_, encode_sd({.session = session.id, .reboot = session.reboot, .entries = {ack}}));
+  const auto session = sessions_.next_unicast(peer);
+  xr::com::wire::send_datagram(discovery_.get(), peer, encode_sd({.session = session.id, .reboot = session.reboot, .entries = {ack}}));
 }
 
 Endpoint Scripted_vehicle::accept_subscribe(const std::string& name) {

@@ -43,7 +43,11 @@ class Scripted_vehicle {
   /// The next discovery entry that fits; others before it are skipped. An entry of type find with service 0 when none came in time.
   xr::com::wire::Sd_entry wait_entry(const std::function<bool(const xr::com::wire::Sd_entry&)>& fits);
   xr::com::wire::Sd_entry wait_subscribe(const std::string& field);
+  /// All entries about subscriptions of the next message that has any.
+  std::vector<xr::com::wire::Sd_entry> wait_subscriptions();
   void answer(const xr::com::wire::Sd_entry& subscribe, std::uint32_t ttl, std::vector<xr::com::wire::Option> options = {});
+  void answer_to(const xr::com::wire::Endpoint& peer, const xr::com::wire::Sd_entry& subscribe, std::uint32_t ttl,
+                 std::vector<xr::com::wire::Option> options = {});
   /// Reads and acknowledges a subscription; its first endpoint.
   xr::com::wire::Endpoint accept_subscribe(const std::string& field);
   const xr::com::wire::Endpoint& client() const { return client_; }  ///< where the last entry came from
