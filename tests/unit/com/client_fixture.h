@@ -87,6 +87,10 @@ class Client : public testing::Test {
 
   void SetUp() override {
     transport_->start();
+    find();
+  }
+
+  void find() {
     handle_ = transport_->start_find(kService, "*", [this](List list) {
       lists_.put(std::move(list));
       return true;

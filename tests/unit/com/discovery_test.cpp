@@ -66,21 +66,6 @@ TEST_F(Discovery, RenewsAtHalfTheTimeAndEndsWhatIsNotWantedAnyMore) {
   EXPECT_EQ(end.eventgroup, service().find_field("views")->eventgroup);
 }
 
-TEST_F(Discovery, AWithdrawnServiceIsLostAndItsReturnAtOtherPortsIsServedByTheSamePort) {
-  meet();
-  const auto sink = subscribe("views");
-  vehicle_.accept_subscribe("views");
-  vehicle_.withdraw();
-  expect_list(0);
-  EXPECT_FALSE(port_->is_available(get("views")));
-  EXPECT_THROW(call(get("views")), xr::com::Service_not_available_exception);
-
-  vehicle_.move();
-  vehicle_.offer();
-  expect_list(1);
-  EXPECT_EQ(received_after(*sink, vehicle_.accept_subscribe("views"), {9}), Bytes{9});
-}
-
 TEST_F(Discovery, AnOfferRunsOutWithItsTime) {
   vehicle_.offer(1);
   expect_list(1);
@@ -201,23 +186,6 @@ TEST_F(Discovery, ABrokenConnectionIsMadeAgainWithItsGroups) {
   vehicle_.accept_subscribe("switchControls");
   vehicle_.send_stream(vehicle_.notification("switchControls", {8}));
   EXPECT_EQ(sink->payloads.next(), Bytes{8});
-}
-
-TEST_F(Discovery, JoinsTheGroupOfAnAcknowledgement) {
-  meet();
-  const auto sink = subscribe("views");
-  const Endpoint group{boost::asio::ip::make_address_v4("224.244.224.246"), deployment_.discovery.port, Protocol::udp};
-  const auto subscription = vehicle_.wait_subscribe("views");
-  vehicle_.answer(subscription, subscription.ttl, {{Option_kind::multicast, group}});
-  EXPECT_EQ(sink->states.next(), Subscription_state::pending);
-  EXPECT_EQ(sink->states.next(), Subscription_state::subscribed);
-  // Sent until heard: the state is told before the group is joined.
-  const auto sender = open_discovery_socket(boost::asio::ip::make_address_v4("127.0.0.2"), 0);
-  EXPECT_TRUE(test_support::WaitFor([&] {
-    send_datagram(sender->get(), group, vehicle_.notification("views", {3, 3}));
-    return !sink->payloads.empty();
-  }));
-  EXPECT_EQ(sink->payloads.next(), (Bytes{3, 3}));
 }
 
 TEST_F(Discovery, IgnoresForeignOffersAndForeignNotifications) {

@@ -146,10 +146,7 @@ struct Faults : Client {
 TEST_F(Faults, EachAllocationMayFailInASessionAndItsReturns) {
   fail("memory", 3, 1);
   transport_->start();
-  handle_ = transport_->start_find(kService, "*", [this](List list) {
-    lists_.put(std::move(list));
-    return true;
-  });
+  find();
   ASSERT_TRUE(serves(0));
   int round = 0;
   do {
@@ -163,10 +160,7 @@ TEST_F(Faults, EachAllocationMayFailInASessionAndItsReturns) {
 
 TEST_F(Faults, SocketsMayFail) {
   transport_->start();
-  handle_ = transport_->start_find(kService, "*", [this](List list) {
-    lists_.put(std::move(list));
-    return true;
-  });
+  find();
   ASSERT_TRUE(serves(0));
   unsigned char round = 0;
   for (const auto* call : {"socket", "bind", "setsockopt", "connect", "sendmsg", "recv", "recvfrom"}) {
@@ -207,12 +201,7 @@ TEST_F(Faults, WhatFailsOnACallersThreadMayBeRepeated) {
       }
     }
   };
-  until_it_goes([&] {
-    handle_ = transport_->start_find(kService, "*", [this](List list) {
-      lists_.put(std::move(list));
-      return true;
-    });
-  });
+  until_it_goes([&] { find(); });
   vehicle_.offer();
   const auto list = lists_.next();
   ASSERT_EQ(list.size(), 1U);

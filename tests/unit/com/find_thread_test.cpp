@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <stdexcept>
 
 #include "client_fixture.h"
@@ -34,15 +33,6 @@ class Slow_find {
   Inbox<std::size_t> told;
   Inbox<int> gate;
 };
-
-TEST(FindThread, TellsEveryChangeWholeAndInOrder) {
-  Slow_find slow;
-  Find_thread thread;
-  const auto find = slow.make();
-  for (std::size_t i = 0; i < 10; ++i) slow.gate.put(0);
-  for (std::size_t i = 1; i <= 10; ++i) thread.post(find, list_of(i));
-  for (std::size_t i = 1; i <= 10; ++i) EXPECT_EQ(slow.told.next(), i);
-}
 
 TEST(FindThread, AtItsBoundTheTwoOldestOfOneFindGoTogether) {
   ara::log::testing::Capture log;
@@ -79,22 +69,6 @@ TEST(FindThread, AHandlerThatThrowsEndsNothingAndAnEndedFindHearsNothing) {
   for (int i = 0; i < 3; ++i) slow.gate.put(0);
   EXPECT_EQ(slow.told.next(), 8U);
   EXPECT_THAT(log.Lines(), ElementsAre("A find handler of bad threw: why"));
-}
-
-TEST(FindThread, TakesNoSignals) {
-  Inbox<bool> blocked;
-  Find_thread thread;
-  const auto find = std::make_shared<Find>("service", 1, std::nullopt, [&](const Instance_list&) {
-    sigset_t mask;
-    ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-    blocked.put(::sigismember(&mask, SIGTERM) == 1 && ::sigismember(&mask, SIGINT) == 1);
-    return true;
-  });
-  thread.post(find, {});
-  EXPECT_TRUE(blocked.next());
-  sigset_t mine;
-  ::pthread_sigmask(SIG_SETMASK, nullptr, &mine);
-  EXPECT_EQ(::sigismember(&mine, SIGTERM), 0) << "the starter keeps its own mask";
 }
 
 }  // namespace

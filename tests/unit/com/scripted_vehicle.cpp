@@ -98,9 +98,12 @@ void Scripted_vehicle::withdraw() {
 }
 
 void Scripted_vehicle::offer_to(const Endpoint& peer) {
+  send_sd_to(peer, offer_entry(3));
+}
+
+void Scripted_vehicle::send_sd_to(const Endpoint& peer, const Sd_entry& entry) {
   const auto session = sessions_.next_unicast(peer);
-  xr::com::wire::send_datagram(discovery_.get(), peer,
-                               encode_sd({.session = session.id, .reboot = session.reboot, .entries = {offer_entry(3)}}));
+  xr::com::wire::send_datagram(discovery_.get(), peer, encode_sd({.session = session.id, .reboot = session.reboot, .entries = {entry}}));
 }
 
 void Scripted_vehicle::send_sd(std::vector<Sd_entry> entries) {
@@ -163,8 +166,7 @@ void Scripted_vehicle::answer_to(const Endpoint& peer, const Sd_entry& subscribe
   ack.type = Entry_type::subscribe_ack;
   ack.ttl = ttl;
   ack.options = std::move(options);
-  const auto session = sessions_.next_unicast(peer);
-  xr::com::wire::send_datagram(discovery_.get(), peer, encode_sd({.session = session.id, .reboot = session.reboot, .entries = {ack}}));
+  send_sd_to(peer, ack);
 }
 
 Endpoint Scripted_vehicle::accept_subscribe(const std::string& name) {

@@ -74,6 +74,7 @@ class Scripted_vehicle {
 
  private:
   void open_ports();
+  void send_sd_to(const xr::com::wire::Endpoint& peer, const xr::com::wire::Sd_entry& entry);
   std::optional<Received> next_request(int milliseconds);
   bool read_discovery(int milliseconds);
   const xr::com::wire::Field_deployment& field(const std::string& name) const { return *service_.find_field(name); }
