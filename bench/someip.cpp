@@ -31,8 +31,8 @@ using Service = cmc::ChargingManagementCore;
 class Client {
  public:
   Client()
-      : find_{xr::com::runtime::Component_singleton::get_service_finder().start_find(std::string{Service::kName}, "*",
-                                                                                     [this](auto instances) { OnInstances(instances); })} {}
+      : find_{xr::com::runtime::Component_singleton::get_service_finder().start_find(
+            std::string{Service::kName}, "*", [this](auto instances) { return OnInstances(instances); })} {}
 
   void WaitFor(proxy::Method_ref method) {
     if (!port_) port_ = found_.get_future().get();
@@ -47,9 +47,10 @@ class Client {
   }
 
  private:
-  void OnInstances(const std::vector<xr::com::runtime::Service_instance>& instances) {
-    if (instances.empty() || std::exchange(reported_, true)) return;
+  bool OnInstances(const std::vector<xr::com::runtime::Service_instance>& instances) {
+    if (instances.empty() || std::exchange(reported_, true)) return true;
     found_.set_value(proxy::Rport{instances.front(), Service::kDescription}.port());
+    return true;
   }
 
   bool reported_ = false;

@@ -21,8 +21,8 @@ constexpr std::uint16_t kInstance = 1;
 class Port {
  public:
   Port() {
-    port_->start();
-    port_->offered({vehicle_.Place(), vehicle_.Place(), {}});
+    const Offer offer{vehicle_.Place(), vehicle_.Place(), {}};
+    port_->resume(&offer);
     for (std::uint16_t field = 0; field < Fields(); ++field) port_->subscribe(field, sink_);
     side_.io.poll();
   }

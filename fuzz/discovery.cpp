@@ -32,17 +32,16 @@ void CheckEncoding(wire::Bytes datagram) {
 class Consumer final : public Instance_observer {
  public:
   explicit Consumer(Find_thread& finds) : discovery_{side_.io, side_.deployment, side_.channel, finds, *this, side_.warnings} {
-    discovery_.start();
     for (const auto& service : side_.deployment.services) {
       const Instance_key key{service.service_id, service.instance_id};
       const auto port = std::make_shared<Service_port>(nullptr, side_.Environment(), service, key, Offer{});
       ports_.emplace(key, port);
-      port->start();
-      port->lost();
+      port->resume(nullptr);
       port->subscribe(0, sink_);
-      finds_.push_back(std::make_shared<Find>(service.name, service.service_id, std::nullopt, [](const Instance_list&) {}));
+      finds_.push_back(std::make_shared<Find>(service.name, service.service_id, std::nullopt, [](const Instance_list&) { return true; }));
       discovery_.add_find(finds_.back());
     }
+    discovery_.start();
     side_.io.poll();
   }
   ~Consumer() override {
@@ -58,11 +57,13 @@ class Consumer final : public Instance_observer {
     side_.io.poll();
   }
 
-  void instance_offered(Instance_key key, const Offer& offer, Known_instances::Change) override {
+  void instance_offered(Instance_key key, const Offer& offer) override {
     if (const auto port = ports_.find(key); port != ports_.end()) port->second->offered(offer);
   }
-  void instance_lost(Instance_key key) override {
-    if (const auto port = ports_.find(key); port != ports_.end()) port->second->lost();
+  void instances_lost() override {
+    for (const auto& [key, port] : ports_) {
+      if (discovery_.find_offer(key) == nullptr) port->lost();
+    }
   }
   void subscription_answered(const wire::Sd_entry& ack, const wire::Endpoint& peer) override {
     const auto port = ports_.find({ack.service, ack.instance});

@@ -14,8 +14,9 @@
 namespace trov::someip {
 
 /// Follows the list of offered instances: the first appearance creates the proxy, later changes of the list only tell of loss and return.
+/// `incomplete` is the caller's, false at first: true while a first appearance has thrown on its way. The next list then completes it.
 template <class Wrapper, class Handles, class OnFirst, class OnLost, class OnReturn>
-void FollowService(Wrapper& wrapper, Handles& handles, const ara::log::Logger& logger, OnFirst&& onFirst, OnLost&& onLost,
+void FollowService(Wrapper& wrapper, Handles& handles, const ara::log::Logger& logger, bool& incomplete, OnFirst&& onFirst, OnLost&& onLost,
                    OnReturn&& onReturn) {
   logger.LogInfo() << "OnServiceFound  step 1 reached...";
   if (handles.empty()) {
@@ -24,11 +25,15 @@ void FollowService(Wrapper& wrapper, Handles& handles, const ara::log::Logger& l
     return;
   }
   logger.LogInfo() << "OnServiceFound  step 2 reached...";
-  if (wrapper.IsProxyNull()) {
-    auto first = handles.front();
-    wrapper.CreateServiceProxy(first);
+  const bool first = wrapper.IsProxyNull();
+  if (first || incomplete) {
+    incomplete = true;
+    auto handle = handles.front();
+    if (first) wrapper.CreateServiceProxy(handle);
     logger.LogInfo() << "OnServiceFound  step 3 reached...";
     onFirst();
+    incomplete = false;
+    if (!first) onReturn();  // the service may have been lost meanwhile
   } else {
     onReturn();
     logger.LogInfo() << "OnServiceFound  step 3 not reached...";

@@ -26,7 +26,7 @@ void trace_result(const log::Identity& identity, const std::vector<runtime::Serv
 
 }  // namespace
 
-void report_instances(std::string_view service, const std::string& instance, const Instances_handler& handler,
+bool report_instances(std::string_view service, const std::string& instance, const Instances_handler& handler,
                       std::vector<runtime::Service_instance> found) {
   const log::Identity identity{{service}, instance};
   trace_result(identity, found);
@@ -35,15 +35,17 @@ void report_instances(std::string_view service, const std::string& instance, con
                              }};
   try {
     handler(std::move(found));
-  } catch (...) {  // whatever it was, it ends here: the find goes on
+    return true;
+  } catch (...) {  // whatever it was, it ends here: the find goes on, and tells the handler again with the next offer
     Dlt::trace(incidents::Find_service_handler_exception{identity});
+    return false;
   }
 }
 
 Find_service_handle start_find(std::string_view service, const std::string& instance, Instances_handler handler, ara::log::Logger&) {
   return runtime::Component_singleton::get_service_finder().start_find(
       std::string{service}, instance, [service, instance, handler = std::move(handler)](std::vector<runtime::Service_instance> found) {
-        report_instances(service, instance, handler, std::move(found));
+        return report_instances(service, instance, handler, std::move(found));
       });
 }
 

@@ -52,7 +52,7 @@ class ChargingManagementCoreListener final : public getFutures::Abstract_GetFutu
       cmc::DT_ChargingManagementCore_resetToFactoryData_resetToFactoryData resetToFactoryData) override;
 
   /// Hears the whole list of offered instances at each change. The proxy is made once, from the first instance of the first list that has
-  /// one; later changes tell the registry only.
+  /// one; later changes tell the registry only. If that throws, the next list begins where it ended.
   void OnServiceFound(std::vector<Handle_type> handles);
 
   void OnReceived_ChargingPlugs();
@@ -105,6 +105,7 @@ class ChargingManagementCoreListener final : public getFutures::Abstract_GetFutu
   Guarded<commMngr::CommMngrSomeipSideInterface> commMngr;
   std::string lastValueOne{"noUpdate"};
   std::string lastValueTwo{"noUpdate"};
+  bool incomplete = false;  // the find thread's own, see FollowService
 };
 
 }  // namespace trov::chargingManagementCoreListener

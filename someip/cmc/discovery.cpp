@@ -26,7 +26,8 @@ void ChargingManagementCoreListener::OnServiceFound(std::vector<Handle_type> han
   };
   // The first appearance leaves the registry alone: it is told of returns only.
   someip::FollowService(
-      *proxyWrapper, handles, logger, [this] { StartListeningToSomeIp(); }, [&] { tellRegistry(false); }, [&] { tellRegistry(true); });
+      *proxyWrapper, handles, logger, incomplete, [this] { StartListeningToSomeIp(); }, [&] { tellRegistry(false); },
+      [&] { tellRegistry(true); });
 }
 
 void ChargingManagementCoreListener::Listen(enums::SOMEIP_RESOURCE_TYPE resource, void (ChargingManagementCoreListener::*handler)(),

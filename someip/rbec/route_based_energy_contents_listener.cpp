@@ -43,7 +43,7 @@ void RouteBasedEnergyContentsListener::StartListener() {
 
 void RouteBasedEnergyContentsListener::OnServiceFound(std::vector<Handle_type> handles) {
   someip::FollowService(
-      *proxyWrapper, handles, logger, [this] { StartListeningToSomeIp(); }, [] {}, [] {});
+      *proxyWrapper, handles, logger, incomplete, [this] { StartListeningToSomeIp(); }, [] {}, [] {});
 }
 
 void RouteBasedEnergyContentsListener::StartListeningToSomeIp() {

@@ -46,6 +46,7 @@ class RouteBasedEnergyContentsListener final : public RouteBasedEnergyContentsLi
   std::shared_ptr<RouteBasedEnergyContentsProxyInterface> proxyWrapper;
   ara::log::Logger& logger;
   Guarded<commMngr::CommMngrRBECSideInterface> commMngr;
+  bool incomplete = false;  // the find thread's own, see FollowService
 };
 
 }  // namespace trov::routeBasedEnergyContents

@@ -139,6 +139,16 @@ TEST_F(Calls, UnusableBytesEndTheConnectionAndTheNextOneServes) {
   EXPECT_EQ(replies_.next().payload, Bytes{2});
 }
 
+TEST_F(Calls, AConnectionThatBreaksAgainAndAgainIsMadeAfterLongerAndLongerTimes) {
+  meet_over_tcp();
+  for (const auto least : {100, 200, 400}) {
+    const auto broken = std::chrono::steady_clock::now();
+    vehicle_.drop_connection();
+    ASSERT_TRUE(vehicle_.accept());
+    EXPECT_GE(std::chrono::steady_clock::now() - broken, std::chrono::milliseconds{least});
+  }
+}
+
 TEST_F(Calls, ASlowPeerGetsAllItsBytesAndABoundHoldsTheRest) {
   meet_over_tcp();
   std::vector<std::unique_ptr<xr::com::cpp_binding::proxy::Pending_call>> pending;

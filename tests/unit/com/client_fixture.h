@@ -87,7 +87,14 @@ class Client : public testing::Test {
 
   void SetUp() override {
     transport_->start();
-    handle_ = transport_->start_find(kService, "*", [this](List list) { lists_.put(std::move(list)); });
+    find();
+  }
+
+  void find() {
+    handle_ = transport_->start_find(kService, "*", [this](List list) {
+      lists_.put(std::move(list));
+      return true;
+    });
   }
 
   /// The vehicle offers, and a port to it is opened.

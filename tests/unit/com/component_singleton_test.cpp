@@ -52,7 +52,7 @@ TEST_F(Singleton, RunsPostedWorkAtItsEndAndLeavesNothingBehind) {
   for (int round = 0; round < 3; ++round) {
     const Component_singleton singleton{false, ""};
     EXPECT_THROW((Component_singleton{false, ""}), std::logic_error) << "one at a time";
-    const auto find = Component_singleton::get_service_finder().start_find(kService, "*", [](const auto&) {});
+    const auto find = Component_singleton::get_service_finder().start_find(kService, "*", [](const auto&) { return true; });
     const auto pool = Component_singleton::get_thread_pool_factory().pool();
     for (int i = 0; i < 100; ++i) pool->post([&] { ++ran; });
   }

@@ -66,21 +66,6 @@ TEST_F(Discovery, RenewsAtHalfTheTimeAndEndsWhatIsNotWantedAnyMore) {
   EXPECT_EQ(end.eventgroup, service().find_field("views")->eventgroup);
 }
 
-TEST_F(Discovery, AWithdrawnServiceIsLostAndItsReturnAtOtherPortsIsServedByTheSamePort) {
-  meet();
-  const auto sink = subscribe("views");
-  vehicle_.accept_subscribe("views");
-  vehicle_.withdraw();
-  expect_list(0);
-  EXPECT_FALSE(port_->is_available(get("views")));
-  EXPECT_THROW(call(get("views")), xr::com::Service_not_available_exception);
-
-  vehicle_.move();
-  vehicle_.offer();
-  expect_list(1);
-  EXPECT_EQ(received_after(*sink, vehicle_.accept_subscribe("views"), {9}), Bytes{9});
-}
-
 TEST_F(Discovery, AnOfferRunsOutWithItsTime) {
   vehicle_.offer(1);
   expect_list(1);
@@ -145,6 +130,53 @@ TEST_F(Discovery, ARefusedSubscriptionIsTriedAgainWithTheNextOffer) {
   EXPECT_EQ(sink->states.next(), Subscription_state::subscribed);
 }
 
+TEST_F(Discovery, AnswersOfAForeignHostCountForNothing) {
+  meet();
+  Scripted_vehicle other{"127.0.0.3", deployment_, kServiceId};
+  const auto sink = subscribe("views");
+  auto subscription = vehicle_.wait_subscribe("views");
+  other.answer_to(vehicle_.client(), subscription, subscription.ttl);
+  vehicle_.answer(subscription, 0);
+  EXPECT_EQ(sink->states.next(), Subscription_state::pending);
+  EXPECT_EQ(sink->states.next(), Subscription_state::not_subscribed) << "a foreign acknowledgement";
+  vehicle_.offer();
+  subscription = vehicle_.wait_subscribe("views");
+  other.answer_to(vehicle_.client(), subscription, 0);
+  vehicle_.answer(subscription, subscription.ttl);
+  EXPECT_EQ(sink->states.next(), Subscription_state::pending);
+  EXPECT_EQ(sink->states.next(), Subscription_state::subscribed) << "a foreign refusal";
+}
+
+/// Gives its events back with the first notification.
+struct Leaving_sink final : xr::com::cpp_binding::proxy::Event_sink {
+  void event_updated(std::uint32_t, const std::vector<unsigned char>&) override { leave(); }
+  void event_state_changed(Subscription_state) override {}
+
+  std::function<void()> leave;
+};
+
+TEST_F(Discovery, WhatOnePeerIsToldAtATimeTravelsInOneMessage) {
+  meet();
+  vehicle_.withdraw();
+  expect_list(0);
+  const auto sink = std::make_shared<Leaving_sink>();
+  const std::vector<std::uint16_t> fields{index("batteryCareModes"), index("chargingPlugs"), index("notifications"), index("views")};
+  for (const auto field : fields) port_->subscribe(field, sink);
+  sink->leave = [&] {
+    for (const auto field : fields) port_->unsubscribe(field, sink.get());
+  };
+  vehicle_.offer();
+  const auto subscriptions = vehicle_.wait_subscriptions();
+  ASSERT_EQ(subscriptions.size(), fields.size());
+  for (const auto& subscription : subscriptions) vehicle_.answer(subscription, subscription.ttl);
+  EXPECT_EQ(vehicle_.wait_subscriptions(), subscriptions) << "the renewals";
+
+  vehicle_.send_datagram(subscriptions[0].options[0].endpoint, vehicle_.notification("views", {}));
+  const auto ends = vehicle_.wait_subscriptions();
+  EXPECT_EQ(ends.size(), fields.size());
+  for (const auto& end : ends) EXPECT_EQ(end.ttl, 0U);
+}
+
 TEST_F(Discovery, ABrokenConnectionIsMadeAgainWithItsGroups) {
   meet_over_tcp();
   const auto sink = subscribe("switchControls");
@@ -154,23 +186,6 @@ TEST_F(Discovery, ABrokenConnectionIsMadeAgainWithItsGroups) {
   vehicle_.accept_subscribe("switchControls");
   vehicle_.send_stream(vehicle_.notification("switchControls", {8}));
   EXPECT_EQ(sink->payloads.next(), Bytes{8});
-}
-
-TEST_F(Discovery, JoinsTheGroupOfAnAcknowledgement) {
-  meet();
-  const auto sink = subscribe("views");
-  const Endpoint group{boost::asio::ip::make_address_v4("224.244.224.246"), deployment_.discovery.port, Protocol::udp};
-  const auto subscription = vehicle_.wait_subscribe("views");
-  vehicle_.answer(subscription, subscription.ttl, {{Option_kind::multicast, group}});
-  EXPECT_EQ(sink->states.next(), Subscription_state::pending);
-  EXPECT_EQ(sink->states.next(), Subscription_state::subscribed);
-  // Sent until heard: the state is told before the group is joined.
-  const auto sender = open_discovery_socket(boost::asio::ip::make_address_v4("127.0.0.2"), 0);
-  EXPECT_TRUE(test_support::WaitFor([&] {
-    send_datagram(sender->get(), group, vehicle_.notification("views", {3, 3}));
-    return !sink->payloads.empty();
-  }));
-  EXPECT_EQ(sink->payloads.next(), (Bytes{3, 3}));
 }
 
 TEST_F(Discovery, IgnoresForeignOffersAndForeignNotifications) {
@@ -196,12 +211,33 @@ TEST_F(Discovery, ListsFurtherInstancesBehindTheFirst) {
   EXPECT_EQ(list[0].instance.value(), "0x0001");
   EXPECT_EQ(list[1].instance.value(), "0x0002");
   Inbox<List> only_second;
-  const auto find = transport_->start_find(kService, "0x0002", [&](List found) { only_second.put(std::move(found)); });
+  const auto find = transport_->start_find(kService, "0x0002", [&](List found) {
+    only_second.put(std::move(found));
+    return true;
+  });
   EXPECT_EQ(only_second.next().size(), 1U) << "at once, since it is there";
   vehicle_.withdraw();
   expect_list(1);
   second.withdraw();
   EXPECT_EQ(only_second.next().size(), 0U);
+}
+
+TEST_F(Discovery, AListThatAFindCouldNotTakeComesAgainWithTheNextOffer) {
+  Inbox<std::size_t> sizes;
+  int failures = 2;
+  const auto find = transport_->start_find(kService, "*", [&](const List& list) {
+    sizes.put(list.size());
+    if (failures == 2) return --failures, false;
+    if (failures-- == 1) throw std::runtime_error{"no"};
+    return true;
+  });
+  for (int i = 0; i < 3; ++i) {
+    vehicle_.offer();
+    EXPECT_EQ(sizes.next(), 1U);
+  }
+  vehicle_.offer();
+  vehicle_.withdraw();
+  EXPECT_EQ(sizes.next(), 0U) << "a list that was taken does not come again";
 }
 
 TEST_F(Discovery, OffersThatCannotBeMeantAreIgnored) {

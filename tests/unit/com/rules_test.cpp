@@ -7,12 +7,12 @@
 #include "xr/com/transport/known_instances.h"
 #include "xr/com/transport/search.h"
 #include "xr/com/transport/subscription_book.h"
+#include "xr/com/transport/tcp_link.h"
 
 namespace xr::com::transport {
 namespace {
 
 using namespace std::chrono_literals;
-using cpp_binding::proxy::Method_kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Change = Known_instances::Change;
@@ -69,92 +69,65 @@ TEST(Search, WaitsInTheWindowThenDoublesThenIsQuiet) {
   EXPECT_GT(first.size(), 5U) << "a random delay";
 }
 
-std::shared_ptr<Call> call_of(Method_kind kind, bool reliable, Call::Time deadline = {}) {
+TEST(ReconnectDelays, DoubleUpToTwoSecondsAndBeginAnew) {
+  Reconnect_delays delays;
+  for (const auto expected : {100ms, 200ms, 400ms, 800ms, 1600ms, 2000ms, 2000ms}) EXPECT_EQ(delays.next(), expected);
+  delays.reset();
+  EXPECT_EQ(delays.next(), 100ms);
+}
+
+std::shared_ptr<Call> get_call() {
   auto call = std::make_shared<Call>();
-  call->kind = kind;
-  call->reliable = reliable;
   call->method = 7;
-  call->deadline = deadline;
   return call;
 }
 
 TEST(CallTable, WrapsPastZeroAndPastSessionsInUse) {
   Call_table table;
-  const auto lasting = call_of(Method_kind::get, false);
+  const auto lasting = get_call();
   EXPECT_EQ(table.add(lasting), 1);
   for (int i = 2; i <= 0xFFFF; ++i) {
-    const auto call = call_of(Method_kind::get, false);
+    const auto call = get_call();
     const auto session = table.add(call);
     ASSERT_EQ(session, i);
     table.remove(*session, call.get());
   }
-  EXPECT_EQ(table.add(call_of(Method_kind::get, false)), 2);
+  EXPECT_EQ(table.add(get_call()), 2);
   EXPECT_EQ(table.find(1, 7), lasting);
   EXPECT_EQ(table.find(1, 8), nullptr) << "an answer to another method";
 }
 
-TEST(CallTable, TakesGetsByProtocolAndLeavesSets) {
-  Call_table table;
-  const auto udp = call_of(Method_kind::get, false), tcp = call_of(Method_kind::get, true), set = call_of(Method_kind::set, true, kStart);
-  for (const auto& call : {udp, tcp, set}) table.add(call);
-  EXPECT_THAT(table.take_gets(true), ElementsAre(tcp));
-  EXPECT_THAT(table.take_gets(), ElementsAre(udp));
-  EXPECT_EQ(table.next_deadline(), kStart);
-  EXPECT_THAT(table.take_expired(kStart - 1ms), IsEmpty());
-  EXPECT_THAT(table.take_expired(kStart), ElementsAre(set));
-}
-
 struct Book : testing::Test {
   static bool all(std::uint16_t) { return true; }
-  std::vector<std::uint16_t> due() { return book.take_due(all); }
+  /// What is due, which is then sent.
+  std::vector<std::uint16_t> due() {
+    const auto fields = book.due(all);
+    for (const auto field : fields) book.sent(field);
+    return fields;
+  }
 
   std::vector<State> states;
   Subscription_book book{3, [this](std::uint16_t, State state) { states.push_back(state); }};
 };
-
-TEST_F(Book, KeepsWhatIsWantedOverALoss) {
-  book.want(1);
-  EXPECT_THAT(due(), ElementsAre(1));
-  EXPECT_THAT(due(), IsEmpty());
-  book.acknowledged(1);
-  book.drop(all);
-  book.renew();
-  book.drop(all);
-  EXPECT_THAT(due(), IsEmpty()) << "nobody is there";
-  book.restart(all);
-  EXPECT_THAT(due(), ElementsAre(1));
-  EXPECT_THAT(states, ElementsAre(State::pending, State::subscribed, State::not_subscribed, State::pending));
-}
 
 TEST_F(Book, TellsOnceWhatTheServiceMayStillHoldAfterALoss) {
   for (std::uint16_t field = 0; field < 3; ++field) book.want(field);
   due();
   book.acknowledged(0);
   book.refused(1);
-  EXPECT_FALSE(book.take_left(0)) << "nothing was lost";
+  EXPECT_FALSE(book.is_left(0)) << "nothing was lost";
   book.drop(all);
   book.drop(all);
-  EXPECT_TRUE(book.take_left(0));
-  EXPECT_FALSE(book.take_left(0));
-  EXPECT_FALSE(book.take_left(1)) << "it was refused";
-  EXPECT_TRUE(book.take_left(2)) << "its answer may be on its way";
-}
-
-TEST_F(Book, WhatWasRefusedWaitsForTheNextOffer) {
-  book.want(0);
-  book.want(2);
-  due();
-  book.acknowledged(0);
-  book.refused(2);
-  book.renew();
-  EXPECT_THAT(due(), ElementsAre(0));
-  book.retry_refused();
-  EXPECT_THAT(due(), ElementsAre(2));
+  EXPECT_TRUE(book.is_left(0));
+  EXPECT_FALSE(book.is_left(1)) << "it was refused";
+  EXPECT_TRUE(book.is_left(2)) << "its answer may be on its way";
+  book.sent(0);
+  EXPECT_FALSE(book.is_left(0));
 }
 
 TEST_F(Book, WhatCannotGoNowStaysDue) {
   book.want(0);
-  EXPECT_THAT(book.take_due([](std::uint16_t) { return false; }), IsEmpty());
+  EXPECT_THAT(book.due([](std::uint16_t) { return false; }), IsEmpty());
   EXPECT_THAT(due(), ElementsAre(0));
   EXPECT_TRUE(book.unwant(0));
   book.acknowledged(0);  // a late one

@@ -98,9 +98,12 @@ void Scripted_vehicle::withdraw() {
 }
 
 void Scripted_vehicle::offer_to(const Endpoint& peer) {
+  send_sd_to(peer, offer_entry(3));
+}
+
+void Scripted_vehicle::send_sd_to(const Endpoint& peer, const Sd_entry& entry) {
   const auto session = sessions_.next_unicast(peer);
-  xr::com::wire::send_datagram(discovery_.get(), peer,
-                               encode_sd({.session = session.id, .reboot = session.reboot, .entries = {offer_entry(3)}}));
+  xr::com::wire::send_datagram(discovery_.get(), peer, encode_sd({.session = session.id, .reboot = session.reboot, .entries = {entry}}));
 }
 
 void Scripted_vehicle::send_sd(std::vector<Sd_entry> entries) {
@@ -112,9 +115,9 @@ void Scripted_vehicle::send_raw_sd(const Bytes& datagram) {
   xr::com::wire::send_datagram(discovery_.get(), {deployment_.discovery.multicast, deployment_.discovery.port, Protocol::udp}, datagram);
 }
 
-bool Scripted_vehicle::read_discovery() {
+bool Scripted_vehicle::read_discovery(int milliseconds) {
   const std::array sockets{discovery_.get(), group_.get()};
-  const int ready = wait_readable(sockets);
+  const int ready = wait_readable(sockets, milliseconds);
   if (ready < 0) return false;
   const auto [datagram, from] = receive(sockets[static_cast<std::size_t>(ready)]);
   if (from.address == address_) return true;
@@ -132,7 +135,7 @@ Sd_entry Scripted_vehicle::wait_entry(const std::function<bool(const Sd_entry&)>
       entries_.pop_front();
       if (fits(entry)) return entry;
     }
-  } while (read_discovery());
+  } while (read_discovery(kPatienceMs));
   return {};
 }
 
@@ -143,13 +146,27 @@ Sd_entry Scripted_vehicle::wait_subscribe(const std::string& name) {
   });
 }
 
+std::vector<Sd_entry> Scripted_vehicle::wait_subscriptions() {
+  do {
+    std::erase_if(entries_, [](const Sd_entry& entry) { return entry.type != Entry_type::subscribe; });
+    if (!entries_.empty()) {
+      const auto taken = std::exchange(entries_, {});
+      return {taken.begin(), taken.end()};
+    }
+  } while (read_discovery(kPatienceMs));
+  return {};
+}
+
 void Scripted_vehicle::answer(const Sd_entry& subscribe, std::uint32_t ttl, std::vector<Option> options) {
+  answer_to(client_, subscribe, ttl, std::move(options));
+}
+
+void Scripted_vehicle::answer_to(const Endpoint& peer, const Sd_entry& subscribe, std::uint32_t ttl, std::vector<Option> options) {
   auto ack = subscribe;
   ack.type = Entry_type::subscribe_ack;
   ack.ttl = ttl;
   ack.options = std::move(options);
-  const auto session = sessions_.next_unicast(client_);
-  xr::com::wire::send_datagram(discovery_.get(), client_, encode_sd({.session = session.id, .reboot = session.reboot, .entries = {ack}}));
+  send_sd_to(peer, ack);
 }
 
 Endpoint Scripted_vehicle::accept_subscribe(const std::string& name) {
@@ -183,11 +200,11 @@ void Scripted_vehicle::send_stream(const Bytes& bytes) {
   ::send(connection_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
 }
 
-std::optional<Received> Scripted_vehicle::wait_request() {
+std::optional<Received> Scripted_vehicle::next_request(int milliseconds) {
   for (;;) {
     if (const auto message = stream_.next()) return Received{message->header, {message->payload.begin(), message->payload.end()}, {}};
     const std::array sockets{udp_.get(), connection_.get()};
-    const int ready = wait_readable(sockets);
+    const int ready = wait_readable(sockets, milliseconds);
     if (ready < 0) return std::nullopt;
     if (ready == 0) {
       const auto [datagram, from] = receive(udp_.get());
@@ -198,7 +215,10 @@ std::optional<Received> Scripted_vehicle::wait_request() {
     }
     const auto space = stream_.space();
     const auto n = ::recv(connection_.get(), space.data(), space.size(), 0);
-    if (n <= 0) return std::nullopt;
+    if (n <= 0) {
+      connection_ = {};
+      return std::nullopt;
+    }
     stream_.filled(static_cast<std::size_t>(n));
   }
 }
@@ -208,6 +228,17 @@ void Scripted_vehicle::reply(const Received& request, const Bytes& payload, Mess
   header.type = type;
   header.code = code;
   send_answer(request, encode_message(header, payload));
+}
+
+void Scripted_vehicle::serve(const std::vector<Option>& options) {
+  if (wait_readable(std::array{acceptor_.get()}, 0) >= 0) accept();
+  while (read_discovery(0)) {
+  }
+  for (; !entries_.empty(); entries_.pop_front()) {
+    const auto& entry = entries_.front();
+    if (entry.type == Entry_type::subscribe && entry.ttl != 0) answer(entry, entry.ttl, options);
+  }
+  while (const auto request = next_request(0)) reply(*request, request->payload);
 }
 
 void Scripted_vehicle::send_answer(const Received& request, const Bytes& message) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/wait_for.h"
 #include "xr/com/wire/deployment.h"
 #include "xr/com/wire/message_stream.h"
 #include "xr/com/wire/sd_message.h"
@@ -42,7 +43,11 @@ class Scripted_vehicle {
   /// The next discovery entry that fits; others before it are skipped. An entry of type find with service 0 when none came in time.
   xr::com::wire::Sd_entry wait_entry(const std::function<bool(const xr::com::wire::Sd_entry&)>& fits);
   xr::com::wire::Sd_entry wait_subscribe(const std::string& field);
+  /// All entries about subscriptions of the next message that has any.
+  std::vector<xr::com::wire::Sd_entry> wait_subscriptions();
   void answer(const xr::com::wire::Sd_entry& subscribe, std::uint32_t ttl, std::vector<xr::com::wire::Option> options = {});
+  void answer_to(const xr::com::wire::Endpoint& peer, const xr::com::wire::Sd_entry& subscribe, std::uint32_t ttl,
+                 std::vector<xr::com::wire::Option> options = {});
   /// Reads and acknowledges a subscription; its first endpoint.
   xr::com::wire::Endpoint accept_subscribe(const std::string& field);
   const xr::com::wire::Endpoint& client() const { return client_; }  ///< where the last entry came from
@@ -58,14 +63,20 @@ class Scripted_vehicle {
   bool accept();  ///< the next TCP connection
   void drop_connection() { connection_ = {}; }
   void send_stream(const Bytes& bytes);
-  std::optional<Received> wait_request();
+  std::optional<Received> wait_request() { return next_request(static_cast<int>(test_support::kPatience.count())); }
   void reply(const Received& request, const Bytes& payload, xr::com::wire::Message_type type = xr::com::wire::Message_type::response,
              std::uint8_t code = 0);
   void send_answer(const Received& request, const Bytes& message);
 
+  /// Plays a well-behaved service without waiting: takes a connection, acknowledges all subscriptions, and answers all requests with their
+  /// own payload. `options` go into each acknowledgement.
+  void serve(const std::vector<xr::com::wire::Option>& options = {});
+
  private:
   void open_ports();
-  bool read_discovery();
+  void send_sd_to(const xr::com::wire::Endpoint& peer, const xr::com::wire::Sd_entry& entry);
+  std::optional<Received> next_request(int milliseconds);
+  bool read_discovery(int milliseconds);
   const xr::com::wire::Field_deployment& field(const std::string& name) const { return *service_.find_field(name); }
 
   const boost::asio::ip::address_v4 address_;

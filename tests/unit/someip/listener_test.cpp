@@ -96,6 +96,22 @@ TEST_F(Listener, LossAndReturnTellTheRegistryOnlyAndAnEmptyListBeforeTheFirstTel
   EXPECT_EQ(log.Lines().back(), "OnServiceFound  step 3 not reached...");
 }
 
+TEST_F(Listener, AFirstAppearanceThatThrowsIsCompletedByTheNextList) {
+  const Handles one{Handle<MockCmcWrapper>("0x0001")};
+  EXPECT_CALL(*wrapper, CreateServiceProxy).WillOnce(::testing::Throw(std::runtime_error{"no socket"})).WillOnce([this](auto&) {
+    proxyIsNull = false;
+  });
+  EXPECT_CALL(*wrapper, Subscribe).WillOnce(Return()).WillOnce(::testing::Throw(std::bad_alloc{})).WillRepeatedly(Return());
+  EXPECT_THROW(listener->OnServiceFound(one), std::runtime_error);
+  EXPECT_THROW(listener->OnServiceFound(one), std::bad_alloc);
+  EXPECT_CALL(*mediator, TellZuvaToUpdate_Registry(false));
+  listener->OnServiceFound({});
+  EXPECT_CALL(*wrapper, Subscribe).Times(15);
+  EXPECT_CALL(*mediator, TellZuvaToUpdate_Registry(true)).Times(2);
+  listener->OnServiceFound(one);
+  listener->OnServiceFound(one);
+}
+
 TEST_F(Listener, CallbacksOfAListenerThatIsGoneReturn) {
   std::function<void(Handles)> found;
   std::function<void()> received;

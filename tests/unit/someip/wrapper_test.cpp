@@ -2,8 +2,13 @@
 #include "someip/cmc/charging_management_core_proxy_wrapper.h"
 #include "someip/rbec/route_based_energy_contents_proxy_wrapper.h"
 
+#include "tests/support/temp_root.h"
+#include "xr/com/runtime/component_singleton.h"
+
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -48,6 +53,21 @@ TEST(Wrappers, TellThatAFindFailed) {
             (Lines{"[rbewrapper] RouteBasedEnergyContentsProxyWrapper - StartFindService",
                    "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - StartFindService - FAILLED - catch error block",
                    "[rbewrapper] RouteBasedEnergyContentsProxyWrapper::StartFindService - Error: ServiceHandlePtr is NULL"}));
+}
+
+TEST(Wrappers, ASecondFindThatFailsLeavesTheFirstOneRunningAndSaysBoth) {
+  const test_support::TempRoot root;
+  ::setenv("ARA_ROOT", root.Path().c_str(), 1);
+  ChargingManagementCoreProxyWrapper wrapper;
+  auto runtime = std::make_unique<xr::com::runtime::Component_singleton>(false, "");
+  EXPECT_TRUE(wrapper.StartFindService([](auto) {}));
+  runtime.reset();
+  const Capture capture;
+  EXPECT_FALSE(wrapper.StartFindService([](auto) {}));
+  EXPECT_EQ(capture.Lines(),
+            (Lines{"[cmcwrapper] ChargingManagementCoreProxyWrapper - StartFindService",
+                   "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - StartFindService - FAILLED - catch error block",
+                   "[cmcwrapper] ChargingManagementCoreProxyWrapper::StartFindService - StartFindService - STARTED SUCCESSFULLY"}));
 }
 
 TEST(Wrappers, TellWhatTheyDoNotServe) {

@@ -8,26 +8,32 @@
 #include <memory>
 #include <mutex>
 
+namespace ara::log {
+class Logger;
+}
+
 namespace xr::com {
 
 /// Runs posted tasks strictly one after the other, in the order of posting, on an executor shared with other strands.
 ///
 /// Always owned by a shared pointer, which the job that drains the strand shares. Its users post a bounded number of tasks.
-/// A task must not throw, and it holds its strand's owner weakly at most. Any thread.
+/// A task that throws is logged, and the next one runs. A task holds its strand's owner weakly at most. Any thread.
 class Strand : public std::enable_shared_from_this<Strand> {
  public:
   explicit Strand(std::shared_ptr<Executor> executor);
 
-  /// Appends a task. On a closed strand, or when the executor has ended, the task is dropped unrun.
+  /// Appends a task. On a closed strand, or when the executor has ended, the task is dropped unrun. What throws leaves the strand as it
+  /// was.
   void post(std::function<void()> task);
 
   /// Drops all waiting tasks and all later ones. A task that runs is not waited for, so a task may call this.
-  void close();
+  void close() noexcept;
 
  private:
   void run();
 
   const std::shared_ptr<Executor> executor_;
+  const ara::log::Logger& logger_;
 
   std::mutex mutex_;  // guards the members below
   bool closing_ = false;

@@ -53,8 +53,8 @@ Component_singleton::Component_singleton(bool, const std::string&)
       finder_{std::make_unique<Service_finder>(transport_)},
       pool_factory_{std::make_unique<Thread_pool_factory>(std::make_shared<static_thread_pool>())} {
   Component_singleton* none = nullptr;
+  transport_->start();  // before the rest of the process can see a runtime that then does not come alive
   if (!the_one.compare_exchange_strong(none, this)) throw std::logic_error{"The communication runtime is there already"};
-  transport_->start();
 }
 
 Component_singleton::~Component_singleton() {

@@ -3,6 +3,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <boost/system/system_error.hpp>
 #include <cerrno>
 #include <utility>
 
@@ -20,7 +21,7 @@ Datagram_reader::Datagram_reader(boost::asio::io_context& io, wire::Socket_handl
 }
 
 void Datagram_reader::start() {
-  wait();
+  if (!waiting_ && !stopped_) wait();
 }
 
 void Datagram_reader::stop() {
@@ -31,8 +32,12 @@ void Datagram_reader::stop() {
 
 void Datagram_reader::wait() {
   socket_.async_wait(boost::asio::ip::udp::socket::wait_read, [self = shared_from_this()](boost::system::error_code error) {
-    if (!error) self->drain();
+    self->waiting_ = false;
+    if (self->stopped_) return;
+    if (error) throw boost::system::system_error{error, "A socket cannot be waited for"};  // whoever runs the thread calls `start` again
+    self->drain();
   });
+  waiting_ = true;
 }
 
 void Datagram_reader::drain() {

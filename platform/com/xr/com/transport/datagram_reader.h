@@ -23,6 +23,7 @@ class Datagram_reader : public std::enable_shared_from_this<Datagram_reader> {
   /// `buffer` outlives the reader's last call of `handler`.
   Datagram_reader(boost::asio::io_context& io, wire::Socket_handle socket, Receive_buffer& buffer, Handler handler);
 
+  /// Begins to read, or goes on after an exception has ended the reading. @throws if it cannot wait for the socket.
   void start();
 
   /// No call of the handler begins after this. Transport thread only.
@@ -38,6 +39,7 @@ class Datagram_reader : public std::enable_shared_from_this<Datagram_reader> {
   boost::asio::ip::udp::socket socket_;
   Receive_buffer& buffer_;
   Handler handler_;
+  bool waiting_ = false;
   bool stopped_ = false;
 };
 

@@ -26,35 +26,36 @@ Offer offer_of(const wire::Sd_entry& entry, const wire::Endpoint& peer) {
 
 Discovery::Discovery(boost::asio::io_context& io, const wire::Deployment& deployment, Sd_channel& channel, Find_thread& find_thread,
                      Instance_observer& observer, Counted_warnings& warnings)
-    : deployment_{deployment}, channel_{channel}, find_thread_{find_thread}, observer_{observer}, warnings_{warnings}, expiry_{io} {
+    : deployment_{deployment}, channel_{channel}, find_thread_{find_thread}, observer_{observer}, warnings_{warnings}, expiry_{io, [this] {
+                                                                                                                                 expired();
+                                                                                                                               }} {
   for (const auto& service : deployment.services) {
     searches_.emplace(std::piecewise_construct, std::forward_as_tuple(service.service_id),
                       std::forward_as_tuple(io, deployment.discovery, [this, &service] { ask(service); }));
   }
+  channel_.set_handlers({.rebooted = [this](const wire::Endpoint& peer) { rebooted(peer); },
+                         .entry = [this](const wire::Sd_entry& entry, const wire::Endpoint& peer) { received(entry, peer); },
+                         .moves = [this](const auto& entries, const wire::Endpoint& peer) { return moves(entries, peer); }});
 }
 
 void Discovery::start() {
-  channel_.start({.rebooted = [this](const wire::Endpoint& peer) { rebooted(peer); },
-                  .entry = [this](const wire::Sd_entry& entry, const wire::Endpoint& peer) { received(entry, peer); },
-                  .moves = [this](const auto& entries, const wire::Endpoint& peer) { return moves(entries, peer); }});
+  channel_.start();
+  watch_expiry();
+  settle();
 }
 
 void Discovery::stop() {
-  stopped_ = true;
-  channel_.stop();
   expiry_.cancel();
   for (auto& [service, search] : searches_) search.stop();
+  channel_.stop();
 }
 
 void Discovery::add_find(const std::weak_ptr<Find>& weak) {
   const auto find = weak.lock();
   if (!find) return;
-  finds_.push_back(weak);
-  if (is_found(*find)) {
-    tell(find);
-  } else {
-    searches_.at(find->service_id()).start();
-  }
+  const bool found = is_found(*find);
+  finds_.push_back({weak, found});
+  if (!found) searches_.at(find->service_id()).stop();  // to begin anew
 }
 
 void Discovery::received(const wire::Sd_entry& entry, const wire::Endpoint& peer) {
@@ -85,22 +86,30 @@ void Discovery::offered(const wire::Sd_entry& entry, const wire::Endpoint& peer)
   const auto change = known_.offer(key, offer, entry.ttl, Known_instances::Time::clock::now());
   if (change == Known_instances::Change::full) return refuse(Fault::too_many_instances, "too many instances are known");
   if (change == Known_instances::Change::foreign_host) return refuse(Fault::foreign_offer, "another host offers this instance");
+  note_change(key, change == Known_instances::Change::appeared);
   watch_expiry();
-  observer_.instance_offered(key, offer, change);
+  observer_.instance_offered(key, offer);
   if (change == Known_instances::Change::appeared) {
     cpp_binding::logger().LogInfo() << service.name << ' ' << instance_text(entry.instance) << " is offered by " << to_text(peer);
     if (!is_sought(entry.service)) searches_.at(entry.service).stop();
-    tell_finds(key);
   }
+  settle();
 }
 
 void Discovery::withdrawn(const wire::Sd_entry& entry, const wire::Endpoint& peer) {
   const Instance_key key{entry.service, entry.instance};
-  if (known_.withdraw(key, peer)) lost(key, "withdrawn");
+  if (!known_.withdraw(key, peer)) return;
+  lost(key, "withdrawn");
+  observer_.instances_lost();
+  settle();
 }
 
 void Discovery::rebooted(const wire::Endpoint& peer) {
-  while (const auto key = known_.remove_of(peer)) lost(*key, "its host has rebooted");
+  bool any = false;
+  for (; const auto key = known_.remove_of(peer); any = true) lost(*key, "its host has rebooted");
+  if (!any) return;
+  observer_.instances_lost();
+  settle();
 }
 
 bool Discovery::moves(const std::vector<wire::Sd_entry>& entries, const wire::Endpoint& peer) const {
@@ -112,36 +121,49 @@ bool Discovery::moves(const std::vector<wire::Sd_entry>& entries, const wire::En
 }
 
 void Discovery::expired() {
-  while (const auto key = known_.expire(Known_instances::Time::clock::now())) lost(*key, "its time has run out");
+  while (const auto key = known_.expire(Alarm::Clock::now())) lost(*key, "its time has run out");
   watch_expiry();
+  observer_.instances_lost();
+  settle();
 }
 
 void Discovery::watch_expiry() {
-  const auto next = known_.next_expiry();
-  if (!next) {
+  if (const auto next = known_.next_expiry()) {
+    expiry_.set(*next);
+  } else {
     expiry_.cancel();
-    return;
   }
-  expiry_.expires_at(*next);
-  expiry_.async_wait([this](boost::system::error_code error) {
-    if (!error && !stopped_) expired();
-  });
 }
 
+/// What follows from a loss and cannot fail; `settle` does the rest.
 void Discovery::lost(Instance_key key, std::string_view reason) {
+  note_change(key, true);
+  searches_.at(key.service).stop();  // to begin anew, if it is sought
   const auto& service = *deployment_.find_service(key.service);
   cpp_binding::logger().LogInfo() << service.name << ' ' << instance_text(key.instance) << " is lost: " << reason;
-  observer_.instance_lost(key);
-  tell_finds(key);
-  if (is_sought(key.service)) searches_.at(key.service).start();
 }
 
-/// Tells the finds whose list a change of this instance has changed.
-void Discovery::tell_finds(Instance_key key) {
-  finds_.erase(std::remove_if(finds_.begin(), finds_.end(), [](const auto& find) { return find.expired(); }), finds_.end());
-  for (const auto& weak : finds_) {
+/// Notes which finds must be told of this instance: all that want it if the list has `changed`, else those that could not take their last
+/// one. It cannot fail, so that nothing is forgotten if telling them does.
+void Discovery::note_change(Instance_key key, bool changed) {
+  for (auto& [weak, stale] : finds_) {
     const auto find = weak.lock();
-    if (find && find->wants(key.service, key.instance)) tell(find);
+    if (!find || !find->wants(key.service, key.instance)) continue;
+    const bool failed = find->take_failed();
+    stale = stale || changed || failed;
+  }
+}
+
+/// Tells the finds what is noted, and looks for what is sought. Repeating it is harmless.
+void Discovery::settle() {
+  std::erase_if(finds_, [](const Wanted& wanted) { return wanted.find.expired(); });
+  for (auto& [weak, stale] : finds_) {
+    if (!stale) continue;
+    if (const auto find = weak.lock()) tell(find);
+    stale = false;
+  }
+  for (auto& [service, search] : searches_) {
+    if (!search.is_running() && is_sought(service)) search.start();
   }
 }
 
@@ -167,8 +189,8 @@ void Discovery::ask(const wire::Service_deployment& service) {
 
 /// Whether a find of the service has nothing yet.
 bool Discovery::is_sought(std::uint16_t service) const {
-  return std::any_of(finds_.begin(), finds_.end(), [&](const auto& weak) {
-    const auto find = weak.lock();
+  return std::any_of(finds_.begin(), finds_.end(), [&](const Wanted& wanted) {
+    const auto find = wanted.find.lock();
     return find && find->service_id() == service && !is_found(*find);
   });
 }

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/steady_timer.hpp>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
 
+#include "xr/com/transport/alarm.h"
 #include "xr/com/transport/counted_warnings.h"
 #include "xr/com/transport/find.h"
 #include "xr/com/transport/find_thread.h"
@@ -23,8 +24,9 @@ class Instance_observer {
  public:
   virtual ~Instance_observer() = default;
 
-  virtual void instance_offered(Instance_key key, const Offer& offer, Known_instances::Change change) = 0;
-  virtual void instance_lost(Instance_key key) = 0;
+  virtual void instance_offered(Instance_key key, const Offer& offer) = 0;
+  /// Some are not offered any more: `Discovery::find_offer` says which.
+  virtual void instances_lost() = 0;
   virtual void subscription_answered(const wire::Sd_entry& ack, const wire::Endpoint& peer) = 0;
   /// What a find hands to the application for one instance.
   virtual std::shared_ptr<runtime::Port_source> port_source(Instance_key key, const Offer& offer) = 0;
@@ -37,13 +39,20 @@ class Discovery {
   Discovery(boost::asio::io_context& io, const wire::Deployment& deployment, Sd_channel& channel, Find_thread& find_thread,
             Instance_observer& observer, Counted_warnings& warnings);
 
+  /// Begins, or takes up again what an exception has cut short.
   void start();
   void stop();
 
+  /// Adds a find, which `start` then serves. @throws std::bad_alloc, with nothing added.
   void add_find(const std::weak_ptr<Find>& find);
   const Offer* find_offer(Instance_key key) const { return known_.find(key); }
 
  private:
+  struct Wanted {
+    std::weak_ptr<Find> find;
+    bool stale;  ///< its list has changed and is not queued yet
+  };
+
   void received(const wire::Sd_entry& entry, const wire::Endpoint& peer);
   void offered(const wire::Sd_entry& entry, const wire::Endpoint& peer);
   void withdrawn(const wire::Sd_entry& entry, const wire::Endpoint& peer);
@@ -53,7 +62,8 @@ class Discovery {
   void watch_expiry();
   void lost(Instance_key key, std::string_view reason);
 
-  void tell_finds(Instance_key key);
+  void note_change(Instance_key key, bool changed);
+  void settle();
   void tell(const std::shared_ptr<Find>& find);
   void ask(const wire::Service_deployment& service);
   bool is_sought(std::uint16_t service) const;
@@ -65,10 +75,9 @@ class Discovery {
   Instance_observer& observer_;
   Counted_warnings& warnings_;
   Known_instances known_;
-  boost::asio::steady_timer expiry_;
-  std::vector<std::weak_ptr<Find>> finds_;
+  Alarm expiry_;
+  std::vector<Wanted> finds_;
   std::map<std::uint16_t, Search> searches_;  // by service id
-  bool stopped_ = false;
 };
 
 }  // namespace xr::com::transport

@@ -8,7 +8,9 @@ namespace xr::com::transport {
 void Event_sinks::add(std::uint16_t field, std::weak_ptr<Event_sink> sink) {
   const auto* key = sink.lock().get();
   const std::lock_guard lock{mutex_};
-  sinks_[field].push_back({key, std::move(sink)});
+  auto& list = sinks_[field];
+  const bool there = std::any_of(list.begin(), list.end(), [&](const Entry& entry) { return entry.key == key && !entry.sink.expired(); });
+  if (!there) list.push_back({key, std::move(sink)});
 }
 
 void Event_sinks::remove(std::uint16_t field, const Event_sink* sink) {

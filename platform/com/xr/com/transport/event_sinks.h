@@ -17,6 +17,7 @@ class Event_sinks {
 
   explicit Event_sinks(std::size_t fields) : sinks_(fields) {}
 
+  /// Once is enough: repeating it changes nothing.
   void add(std::uint16_t field, std::weak_ptr<Event_sink> sink);
   void remove(std::uint16_t field, const Event_sink* sink);
 

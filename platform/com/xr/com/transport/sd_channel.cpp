@@ -1,5 +1,7 @@
 #include "xr/com/transport/sd_channel.h"
 
+#include <algorithm>
+#include <chrono>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -9,6 +11,12 @@
 
 namespace xr::com::transport {
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kGathering = 10ms;
+constexpr auto kRetryDelay = 100ms;
+constexpr unsigned kRetries = 10;
 
 wire::Socket_handle opened(wire::Result<wire::Socket_handle> socket, const wire::Endpoint& endpoint, const wire::Deployment& deployment) {
   if (socket) return std::move(*socket);
@@ -21,7 +29,8 @@ wire::Socket_handle opened(wire::Result<wire::Socket_handle> socket, const wire:
 Sd_channel::Sd_channel(boost::asio::io_context& io, const wire::Deployment& deployment, Receive_buffer& buffer, Counted_warnings& warnings)
     : group_{deployment.discovery.multicast, deployment.discovery.port, wire::Protocol::udp},
       own_{deployment.unicast, deployment.discovery.port, wire::Protocol::udp},
-      warnings_{warnings} {
+      warnings_{warnings},
+      flush_{io, [this] { flush(); }} {
   const auto reader = [&](wire::Socket_handle socket, wire::Direction direction) {
     return std::make_shared<Datagram_reader>(
         io, std::move(socket), buffer,
@@ -32,31 +41,58 @@ Sd_channel::Sd_channel(boost::asio::io_context& io, const wire::Deployment& depl
   unicast_reader_ = reader(opened(wire::open_discovery_socket(own_.address, own_.port), own_, deployment), wire::Direction::unicast);
 }
 
-void Sd_channel::start(Handlers handlers) {
-  handlers_ = std::move(handlers);
+void Sd_channel::start() {
   group_reader_->start();
   unicast_reader_->start();
+  if (!waiting_.empty() && !flush_.is_set()) flush_.set_after(kGathering);
 }
 
 void Sd_channel::stop() {
   group_reader_->stop();
   unicast_reader_->stop();
+  flush();
+  flush_.cancel();
 }
 
 void Sd_channel::send_to_group(std::vector<wire::Sd_entry> entries) {
   send(group_, sessions_.next_multicast(), std::move(entries));
 }
 
-void Sd_channel::send_to(const wire::Endpoint& peer, std::vector<wire::Sd_entry> entries) {
-  send(peer, sessions_.next_unicast(peer), std::move(entries));
+void Sd_channel::send_to(const wire::Endpoint& peer, const std::vector<wire::Sd_entry>& entries) {
+  if (!flush_.is_set()) flush_.set_after(kGathering);  // first: nothing may wait without it
+  auto found = std::find_if(waiting_.begin(), waiting_.end(), [&](const Waiting& waiting) { return waiting.peer == peer; });
+  if (found == waiting_.end()) found = waiting_.insert(waiting_.end(), Waiting{peer});
+  found->entries.insert(found->entries.end(), entries.begin(), entries.end());
 }
 
-void Sd_channel::send(const wire::Endpoint& destination, wire::Session session, std::vector<wire::Sd_entry> entries) {
+void Sd_channel::flush() {
+  for (auto& waiting : waiting_) flush(waiting);
+  std::erase_if(waiting_, [](const Waiting& waiting) { return waiting.entries.empty(); });
+  if (!waiting_.empty()) flush_.set_after(kRetryDelay);
+}
+
+/// Leaves what must be tried again.
+void Sd_channel::flush(Waiting& waiting) {
+  auto& entries = waiting.entries;
+  while (!entries.empty()) {
+    const auto end = entries.begin() + static_cast<std::ptrdiff_t>(wire::fitting_entries(entries));
+    if (send(waiting.peer, sessions_.next_unicast(waiting.peer), {entries.begin(), end})) {
+      entries.erase(entries.begin(), end);
+    } else {
+      if (++waiting.failures > kRetries) entries.clear();
+      return;
+    }
+  }
+}
+
+bool Sd_channel::send(const wire::Endpoint& destination, wire::Session session, std::vector<wire::Sd_entry> entries) {
   const auto datagram = wire::encode_sd({.session = session.id, .reboot = session.reboot, .unicast = true, .entries = std::move(entries)});
-  if (const auto error = wire::send_datagram(unicast_reader_->descriptor(), destination, datagram)) {
+  const auto error = wire::send_datagram(unicast_reader_->descriptor(), destination, datagram);
+  if (error) {
     warnings_.warn(Fault::send_failed,
                    [&](auto& line) { line << "Cannot send a discovery message to " << to_text(destination) << ": " << error.message(); });
   }
+  return !error;
 }
 
 void Sd_channel::received(wire::Direction direction, wire::Bytes datagram, const wire::Endpoint& sender) {

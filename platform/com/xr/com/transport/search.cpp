@@ -15,28 +15,28 @@ std::optional<Search_delays::Milliseconds> Search_delays::next() {
 }
 
 Search::Search(boost::asio::io_context& io, const wire::Discovery_deployment& settings, std::function<void()> ask)
-    : timer_{io}, delays_{settings, std::random_device{}()}, ask_{std::move(ask)} {}
+    : alarm_{io,
+             [this] {
+               wait();  // first: a find that cannot be sent must not be the last
+               ask_();
+             }},
+      delays_{settings, std::random_device{}()},
+      ask_{std::move(ask)} {}
 
 void Search::start() {
-  ++run_;
   delays_.reset();
   wait();
 }
 
 void Search::stop() {
-  ++run_;
-  timer_.cancel();
+  running_ = false;
+  alarm_.cancel();
 }
 
 void Search::wait() {
-  const auto delay = delays_.next();
-  if (!delay) return;
-  timer_.expires_after(*delay);
-  timer_.async_wait([this, run = run_](boost::system::error_code error) {
-    if (error || run != run_) return;
-    ask_();
-    wait();
-  });
+  running_ = false;
+  if (const auto delay = delays_.next()) alarm_.set_after(*delay);
+  running_ = true;
 }
 
 }  // namespace xr::com::transport

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <chrono>
 #include <functional>
 #include <optional>
 #include <random>
 
+#include "xr/com/transport/alarm.h"
 #include "xr/com/wire/deployment.h"
 
 namespace xr::com::transport {
@@ -40,13 +40,17 @@ class Search {
   void start();
   void stop();
 
+  /// From `start` to `stop`, also when the last find has been sent. False after an exception that has kept the next find from being
+  /// planned.
+  bool is_running() const { return running_; }
+
  private:
   void wait();
 
-  boost::asio::steady_timer timer_;
+  Alarm alarm_;
   Search_delays delays_;
   std::function<void()> ask_;
-  unsigned run_ = 0;  // tells the expiries of an earlier run from those of this one
+  bool running_ = false;
 };
 
 }  // namespace xr::com::transport

@@ -1,7 +1,7 @@
 #include "xr/com/transport/service_port.h"
 
 #include <algorithm>
-#include <boost/asio/post.hpp>
+#include <exception>
 
 #include "xr/com/exceptions.h"
 #include "xr/com/wire/sockets.h"
@@ -37,12 +37,9 @@ Service_port::Service_port(std::shared_ptr<void> runtime, Port_environment envir
            {.up = [this](const wire::Endpoint& local) { tcp_up(local); },
             .down = [this] { tcp_down(); },
             .message = [this](const wire::Message& message) { received(message, nullptr); }}},
-      subscriptions_{service.fields.size(),
-                     [this](std::uint16_t field, Subscription_book::State state) {
-                       sinks_.for_each(field, [&](Event_sink& sink) { sink.event_state_changed(state); });
-                     }},
-      renewal_{environment.io},
-      call_expiry_{environment.io} {
+      subscriptions_{service.fields.size(), [this](std::uint16_t field, Subscription_book::State state) { state_changed(field, state); }},
+      renewal_{environment.io, [this] { renew(); }},
+      call_expiry_{environment.io, [this] { expire_calls(); }} {
   auto socket = open_socket(environment.deployment);
   udp_local_ = wire::local_endpoint(socket).value();
   udp_ = std::make_shared<Datagram_reader>(
@@ -50,16 +47,20 @@ Service_port::Service_port(std::shared_ptr<void> runtime, Port_environment envir
       [this](wire::Bytes datagram, const wire::Endpoint& sender) { datagram_received(datagram, sender); });
 }
 
-void Service_port::start() {
+void Service_port::resume(const Offer* offer) {
   udp_->start();
+  for (const auto& [endpoint, reader] : groups_) reader->start();
+  tcp_.resume();
+  watch_calls();
+  if (offer != nullptr) {
+    settle(*offer);
+  } else {
+    lost();
+  }
 }
 
 void Service_port::stop() {
-  std::vector<wire::Sd_entry> ends;
-  for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(service_.fields.size()); ++field) {
-    if (can_subscribe(field) && subscriptions_.unwant(field)) ends.push_back(subscribe_entry(field, 0));
-  }
-  if (!ends.empty()) environment_.discovery.send_to(offer_->peer, std::move(ends));
+  for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(service_.fields.size()); ++field) end_subscription(field);
   stopped_ = true;
   lost();
   udp_->stop();
@@ -67,26 +68,26 @@ void Service_port::stop() {
 }
 
 void Service_port::offered(const Offer& offer) {
+  subscriptions_.retry_refused();
+  settle(offer);
+}
+
+/// Does what this offer asks for and is not done yet. What cannot fail comes first, so that a repetition does the rest.
+void Service_port::settle(const Offer& offer) {
   const auto before = std::exchange(offer_, offer);
   {
     const std::lock_guard lock{mutex_};
     reach_.udp = offer.udp;
   }
-  const auto over_udp = [this](std::uint16_t field) { return !service_.fields[field].reliable; };
-  if (!before) {
-    wait_renewal();
+  if (!before || before->udp != offer.udp) {
+    const auto over_udp = [this](std::uint16_t field) { return !service_.fields[field].reliable; };
+    subscriptions_.drop(over_udp);
     subscriptions_.restart(over_udp);
-    take_tcp(offer.tcp);
-  } else {
-    subscriptions_.retry_refused();
-    if (before->udp != offer.udp) {
-      end_gets(Reply::kConnectionBroken, false);
-      subscriptions_.drop(over_udp);
-      subscriptions_.restart(over_udp);
-    }
-    if (before->tcp != offer.tcp) take_tcp(offer.tcp);
   }
-  plan_send_due();
+  if (!renewal_.is_set()) wait_renewal();
+  if (!before || before->tcp != offer.tcp || (offer.tcp && offer.tcp != tcp_.remote())) take_tcp(offer.tcp);
+  send_due();
+  if (before && before->udp != offer.udp) end_gets(Reply::kConnectionBroken, false);
 }
 
 void Service_port::lost() {
@@ -95,12 +96,22 @@ void Service_port::lost() {
     const std::lock_guard lock{mutex_};
     reach_ = {};
   }
-  end_gets(Reply::kServiceGone);  // before the connection's end would tell them another reason
-  tcp_.close();
   subscriptions_.drop([](std::uint16_t) { return true; });
   for (const auto& [endpoint, reader] : groups_) reader->stop();
   groups_.clear();
   renewal_.cancel();
+  end_gets(Reply::kServiceGone);  // before the connection's end would tell them another reason
+  tcp_.close();
+}
+
+/// A sink that throws must not leave the book half changed.
+void Service_port::state_changed(std::uint16_t field, Subscription_book::State state) {
+  try {
+    sinks_.for_each(field, [&](Event_sink& sink) { sink.event_state_changed(state); });
+  } catch (const std::exception& e) {
+    cpp_binding::logger().LogError() << "A change of the subscription of " << service_.name << ' ' << service_.fields[field].name
+                                     << " was not taken: " << e;
+  }
 }
 
 void Service_port::take_tcp(const std::optional<wire::Endpoint>& endpoint) {
@@ -119,7 +130,7 @@ void Service_port::tcp_up(const wire::Endpoint& local) {
     reach_.tcp = true;
   }
   subscriptions_.restart([this](std::uint16_t field) { return service_.fields[field].reliable; });
-  plan_send_due();
+  send_due();
 }
 
 void Service_port::tcp_down() {
@@ -128,8 +139,8 @@ void Service_port::tcp_down() {
     const std::lock_guard lock{mutex_};
     reach_.tcp = false;
   }
-  end_gets(Reply::kConnectionBroken, true);
   subscriptions_.drop([this](std::uint16_t field) { return service_.fields[field].reliable; });
+  end_gets(Reply::kConnectionBroken, true);
 }
 
 void Service_port::datagram_received(wire::Bytes datagram, const wire::Endpoint& sender) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "xr/com/client_port.h"
+#include "xr/com/transport/alarm.h"
 #include "xr/com/transport/call_table.h"
 #include "xr/com/transport/counted_warnings.h"
 #include "xr/com/transport/datagram_reader.h"
@@ -56,8 +56,8 @@ class Service_port final : public cpp_binding::proxy::Client_port, public std::e
                                                          std::function<void(Reply)> completion) override;
   void abandon(std::uint16_t session, const Call* call);
 
-  /// Begins to read.
-  void start();
+  /// Begins to read, and takes up again what an exception has cut short. `offer`: where the instance is now, if it is offered.
+  void resume(const Offer* offer);
   /// Ends everything; the port then behaves as one whose instance is lost.
   void stop();
 
@@ -86,6 +86,8 @@ class Service_port final : public cpp_binding::proxy::Client_port, public std::e
   void watch_calls();
 
   // Life of the instance and its messages (service_port.cpp)
+  void settle(const Offer& offer);
+  void state_changed(std::uint16_t field, Subscription_book::State state);
   void datagram_received(wire::Bytes datagram, const wire::Endpoint& sender);
   void notified(const wire::Message& message);
   void take_tcp(const std::optional<wire::Endpoint>& endpoint);
@@ -95,9 +97,9 @@ class Service_port final : public cpp_binding::proxy::Client_port, public std::e
 
   // Subscriptions (service_port_subscriptions.cpp)
   void send_due();
-  void plan_send_due();
   void wait_renewal();
-  void join_group(const wire::Endpoint& group);
+  void renew();
+  bool join_group(const wire::Endpoint& group);
   void end_subscription(std::uint16_t field);
   wire::Sd_entry subscribe_entry(std::uint16_t field, std::uint32_t ttl) const;
   bool can_subscribe(std::uint16_t field) const;
@@ -121,10 +123,9 @@ class Service_port final : public cpp_binding::proxy::Client_port, public std::e
   Tcp_link tcp_;
   std::optional<wire::Endpoint> tcp_local_;
   Subscription_book subscriptions_;
-  bool sending_planned_ = false;
   bool stopped_ = false;
-  boost::asio::steady_timer renewal_;
-  boost::asio::steady_timer call_expiry_;
+  Alarm renewal_;
+  Alarm call_expiry_;
   std::vector<std::pair<wire::Endpoint, std::shared_ptr<Datagram_reader>>> groups_;
   std::vector<unsigned char> payload_;  // of the present notification; keeps its room
 };

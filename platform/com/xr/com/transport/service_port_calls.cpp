@@ -14,15 +14,15 @@ constexpr std::uint16_t kClient = 0x0001;
 
 class Open_call final : public cpp_binding::proxy::Pending_call {
  public:
-  Open_call(std::shared_ptr<Service_port> port, std::uint16_t session, std::shared_ptr<Call> call)
-      : port_{std::move(port)}, session_{session}, call_{std::move(call)} {}
-  ~Open_call() override { port_->abandon(session_, call_.get()); }
+  Open_call(std::shared_ptr<Service_port> port, std::shared_ptr<Call> call) : port_{std::move(port)}, call_{std::move(call)} {}
+  ~Open_call() override { port_->abandon(session, call_.get()); }
 
   bool is_ready() const override { return call_->ready; }
 
+  std::uint16_t session = 0;  ///< none yet
+
  private:
   const std::shared_ptr<Service_port> port_;
-  const std::uint16_t session_;
   const std::shared_ptr<Call> call_;
 };
 
@@ -53,31 +53,29 @@ std::unique_ptr<cpp_binding::proxy::Pending_call> Service_port::call(Method_ref 
   call->kind = method.kind;
   call->reliable = field_of(method.field).reliable;
   call->completion = std::move(completion);
-  std::uint16_t session = 0;
-  bool watch = false;
+  auto handle = std::make_unique<Open_call>(shared_from_this(), call);  // from here on an exception takes the call off the table
   {
     const std::lock_guard lock{mutex_};
     if (!is_available_locked(call->reliable)) throw Service_not_available_exception{};
     if (!call->reliable) call->destination = *reach_.udp;
     call->deadline = Call::Time::clock::now() + Call_table::kLifetime;
+    if (!watching_calls_) {
+      boost::asio::post(environment_.io, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->watch_calls();  // which waits for the lock
+      });
+      watching_calls_ = true;
+    }
     const auto added = calls_.add(call);
     if (!added) throw Transport_exception{Reply::kSendRefused};
-    session = *added;
-    watch = !std::exchange(watching_calls_, true);
+    handle->session = *added;
   }
   // The entry is there before the request goes out: the answer may overtake this thread.
-  const auto error = send(*call, session, *request);
-  if (watch) {
-    boost::asio::post(environment_.io, [weak = weak_from_this()] {
-      if (const auto self = weak.lock()) self->watch_calls();
-    });
-  }
-  if (error) {
+  if (send(*call, handle->session, *request)) {
     const std::lock_guard lock{mutex_};
-    if (calls_.remove(session, call.get())) throw Transport_exception{Reply::kSendRefused};
+    if (calls_.remove(handle->session, call.get())) throw Transport_exception{Reply::kSendRefused};
     // Else the connection's end has told the completion already.
   }
-  return std::make_unique<Open_call>(shared_from_this(), session, call);
+  return handle;
 }
 
 boost::system::error_code Service_port::send(const Call& call, std::uint16_t session, const std::vector<unsigned char>& payload) {
@@ -141,10 +139,7 @@ void Service_port::watch_calls() {
     watching_calls_ = next.has_value();
   }
   if (!next || stopped_) return;
-  call_expiry_.expires_at(*next);
-  call_expiry_.async_wait([this](boost::system::error_code error) {
-    if (!error) expire_calls();
-  });
+  call_expiry_.set(*next);
 }
 
 }  // namespace xr::com::transport

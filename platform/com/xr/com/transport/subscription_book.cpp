@@ -62,15 +62,22 @@ void Subscription_book::refused(std::uint16_t field) {
   set_state(field, State::not_subscribed);
 }
 
-std::vector<std::uint16_t> Subscription_book::take_due(const Predicate& possible) {
-  std::vector<std::uint16_t> taken;
-  for_wanted([&](std::uint16_t field, Field& entry) {
-    if (!entry.due || !possible(field)) return;
-    entry.due = false;
-    taken.push_back(field);
-    if (entry.state == State::not_subscribed) set_state(field, State::pending);
-  });
-  return taken;
+void Subscription_book::retry_unanswered() {
+  for_wanted([](std::uint16_t, Field& entry) { entry.due = entry.due || entry.state == State::pending; });
+}
+
+std::vector<std::uint16_t> Subscription_book::due(const Predicate& possible) const {
+  std::vector<std::uint16_t> found;
+  for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(fields_.size()); ++field) {
+    if (fields_[field].wanted && fields_[field].due && possible(field)) found.push_back(field);
+  }
+  return found;
+}
+
+void Subscription_book::sent(std::uint16_t field) {
+  auto& entry = fields_[field];
+  entry.due = entry.left = false;
+  if (entry.state == State::not_subscribed) set_state(field, State::pending);
 }
 
 void Subscription_book::set_state(std::uint16_t field, State state) {

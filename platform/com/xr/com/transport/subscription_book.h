@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <utility>
 #include <vector>
 
 #include "xr/com/client_port.h"
@@ -40,11 +39,17 @@ class Subscription_book {
   void acknowledged(std::uint16_t field);
   void refused(std::uint16_t field);
 
-  /// The fields to be subscribed now, of those that can be; they are no longer due then.
-  std::vector<std::uint16_t> take_due(const Predicate& possible);
+  /// What got no answer is tried again.
+  void retry_unanswered();
 
-  /// Whether the service may still hold the subscription from before a loss that only this side has seen. Told once.
-  bool take_left(std::uint16_t field) { return std::exchange(fields_[field].left, false); }
+  /// The fields to be subscribed now, of those that can be.
+  std::vector<std::uint16_t> due(const Predicate& possible) const;
+
+  /// A field's subscription is on its way, so it is no longer due.
+  void sent(std::uint16_t field);
+
+  /// Whether the service may still hold the subscription from before a loss that only this side has seen; until the next one is sent.
+  bool is_left(std::uint16_t field) const { return fields_[field].left; }
 
   bool is_wanted(std::uint16_t field) const { return fields_[field].wanted; }
 

@@ -18,8 +18,6 @@ namespace {
 namespace asio = boost::asio;
 using namespace std::chrono_literals;
 
-constexpr auto kFirstDelay = 100ms;
-constexpr auto kLongestDelay = 2000ms;
 constexpr auto kConnectTime = 2000ms;
 /// A connection that stood so long had no trouble: the next break is answered at the first delay again.
 constexpr auto kGoodTime = 2000ms;
@@ -47,12 +45,12 @@ boost::system::result<std::size_t> send_now(int descriptor, wire::Bytes front, w
 }  // namespace
 
 Tcp_link::Tcp_link(asio::io_context& io, const asio::ip::address_v4& local, Counted_warnings& warnings, Handlers handlers)
-    : io_{io}, local_{local}, warnings_{warnings}, handlers_{std::move(handlers)}, socket_{io}, timer_{io} {}
+    : io_{io}, local_{local}, warnings_{warnings}, handlers_{std::move(handlers)}, socket_{io}, alarm_{io, [this] { timed_out(); }} {}
 
 void Tcp_link::open(const wire::Endpoint& remote) {
-  close();
   remote_ = remote;
-  delay_ = kFirstDelay;
+  delays_.reset();
+  disconnect();
   connect();
 }
 
@@ -61,8 +59,21 @@ void Tcp_link::close() {
   disconnect();
 }
 
+void Tcp_link::resume() {
+  if (!remote_) return;
+  if (up_since_) {
+    if (!reading_ && take_messages()) read();
+    wait_writable();
+  } else if (!alarm_.is_set()) {
+    disconnect();
+    connect();
+  }
+}
+
 void Tcp_link::connect() {
   const auto attempt = ++attempt_;
+  connecting_ = true;
+  alarm_.set_after(kConnectTime);  // first: whatever goes wrong with this attempt, another one follows
   boost::system::error_code error;
   socket_.open(asio::ip::tcp::v4(), error);
   if (!error) socket_.bind({local_, 0}, error);
@@ -71,25 +82,27 @@ void Tcp_link::connect() {
   socket_.async_connect({remote_->address, remote_->port}, [this, attempt](boost::system::error_code result) {
     if (attempt == attempt_) connected(result);
   });
-  timer_.expires_after(kConnectTime);
-  timer_.async_wait([this, attempt](boost::system::error_code result) {
-    if (!result && attempt == attempt_ && !up_since_) failed("no answer");
-  });
+}
+
+void Tcp_link::timed_out() {
+  if (connecting_) return failed("no answer");
+  connect();
 }
 
 void Tcp_link::connected(boost::system::error_code error) {
   asio::ip::tcp::endpoint local;
   if (!error) local = socket_.local_endpoint(error);
   if (error) return failed(error.message());
-  timer_.cancel();
+  alarm_.cancel();
+  connecting_ = false;
   up_since_ = Clock::now();
   stream_.clear();
   {
     const std::lock_guard lock{mutex_};
     descriptor_ = socket_.native_handle();
   }
-  read();
   handlers_.up({local.address().to_v4(), local.port(), wire::Protocol::tcp});
+  read();
 }
 
 /// A read rather than a wait for one, which the reactor would have to be told of anew for each message.
@@ -98,11 +111,13 @@ void Tcp_link::read() {
   socket_.async_read_some(asio::buffer(space.data(), space.size()),
                           [this, attempt = attempt_](boost::system::error_code error, std::size_t size) {
                             if (attempt != attempt_) return;
+                            reading_ = false;
                             if (error == asio::error::eof) return failed("closed by the peer");
                             if (error) return failed(error.message());
                             stream_.filled(size);
                             if (take_messages()) read();
                           });
+  reading_ = true;
 }
 
 /// False if the connection has ended meanwhile.
@@ -127,21 +142,19 @@ bool Tcp_link::take_messages() {
 
 /// Ends the attempt or the connection and plans the next one.
 void Tcp_link::failed(std::string_view reason) {
-  if (up_since_ && Clock::now() - *up_since_ >= kGoodTime) delay_ = kFirstDelay;
-  const auto delay = std::exchange(delay_, std::min<std::chrono::milliseconds>(2 * delay_, kLongestDelay));
+  if (up_since_ && Clock::now() - *up_since_ >= kGoodTime) delays_.reset();
+  const auto delay = delays_.next();
   warnings_.warn(Fault::connection, [&](auto& line) {
     line << "No connection to " << to_text(*remote_) << ": " << reason << "; the next attempt is in " << delay.count() << " ms";
   });
   disconnect();
-  timer_.expires_after(delay);
-  timer_.async_wait([this, attempt = attempt_](boost::system::error_code error) {
-    if (!error && attempt == attempt_) connect();
-  });
+  alarm_.set_after(delay);
 }
 
 void Tcp_link::disconnect() {
   ++attempt_;
-  timer_.cancel();
+  connecting_ = reading_ = awaiting_room_ = false;
+  alarm_.cancel();
   {
     const std::lock_guard lock{mutex_};
     descriptor_ = -1;
@@ -157,44 +170,64 @@ boost::system::error_code Tcp_link::send(wire::Bytes front, wire::Bytes rest) {
   const std::lock_guard lock{mutex_};
   if (descriptor_ < 0) return boost::asio::error::not_connected;
   const auto size = front.size() + rest.size();
+  if (!queued_.empty() && queued_.size() + size > kMaximumQueued) return boost::asio::error::no_buffer_space;
+  // Room and a flush come first: a message that has begun must be finished, and one that is queued must go out.
+  if (queued_.capacity() < queued_.size() + size) queued_.reserve(std::max(queued_.size() + size, 2 * queued_.capacity()));
   std::size_t sent = 0;
   if (queued_.empty()) {
     const auto result = send_now(descriptor_, front, rest);
     if (!result) return result.error();
     sent = *result;
     if (sent == size) return {};
-  } else if (queued_.size() + size > kMaximumQueued) {
-    return boost::asio::error::no_buffer_space;
   }
-  // A message that has begun must be finished, whatever the bound says.
   const auto append = [&](wire::Bytes bytes, std::size_t skip) {
     if (skip < bytes.size()) queued_.insert(queued_.end(), bytes.begin() + static_cast<std::ptrdiff_t>(skip), bytes.end());
   };
   append(front, sent);
   append(rest, sent > front.size() ? sent - front.size() : 0);
-  if (!std::exchange(flushing_, true)) asio::post(io_, [this] { wait_writable(); });
+  if (std::exchange(flushing_, true)) return {};
+  try {
+    asio::post(io_, [this] { wait_writable(); });
+  } catch (const std::exception&) {  // the reader sees the end and connects again, since this message can never be finished
+    ::shutdown(descriptor_, SHUT_RDWR);
+    descriptor_ = -1;
+    return boost::asio::error::no_memory;
+  }
   return {};
 }
 
+/// Waits until what is queued can go on, if anything is.
 void Tcp_link::wait_writable() {
-  if (!up_since_) return;
+  if (!up_since_ || awaiting_room_ || !is_flushing()) return;
   socket_.async_wait(Socket::wait_write, [this, attempt = attempt_](boost::system::error_code error) {
-    if (!error && attempt == attempt_) flush();
+    if (attempt != attempt_) return;
+    awaiting_room_ = false;
+    if (error) return failed(error.message());
+    flush();
   });
+  awaiting_room_ = true;
+}
+
+bool Tcp_link::is_flushing() {
+  const std::lock_guard lock{mutex_};
+  return flushing_;
 }
 
 void Tcp_link::flush() {
+  boost::system::error_code error;
   {
     const std::lock_guard lock{mutex_};
+    if (descriptor_ < 0) return;
     const auto sent = send_now(descriptor_, queued_, {});
     if (sent) {
       queued_.erase(queued_.begin(), queued_.begin() + static_cast<std::ptrdiff_t>(*sent));
       flushing_ = !queued_.empty();
       if (!flushing_) return;
+    } else {
+      error = sent.error();
     }
-    // An error is seen by the reader as well, which ends the connection.
-    if (!sent) return;
   }
+  if (error) return failed(error.message());  // too little memory, for one, is nothing that the reader sees
   wait_writable();
 }
 

@@ -1,24 +1,39 @@
 #pragma once
 
+#include <algorithm>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "xr/com/transport/alarm.h"
 #include "xr/com/transport/counted_warnings.h"
 #include "xr/com/wire/message_stream.h"
 #include "xr/com/wire/sd_message.h"
 
 namespace xr::com::transport {
 
-/// The TCP connection to one service instance. As long as it is open it is made, and made again when it breaks: after 100 ms, then
-/// after times that double up to 2 s. Everything but `send` belongs to the transport thread.
+/// The delays before the next attempts to connect: 100 ms, doubled up to 2 s.
+class Reconnect_delays {
+ public:
+  using Milliseconds = std::chrono::milliseconds;
+
+  void reset() { next_ = Milliseconds{100}; }
+  Milliseconds next() { return std::exchange(next_, std::min(2 * next_, Milliseconds{2000})); }
+
+ private:
+  Milliseconds next_{100};
+};
+
+/// The TCP connection to one service instance. As long as it is open it is made, and made again when it breaks, after
+/// `Reconnect_delays`. Everything but `send` belongs to the transport thread.
 class Tcp_link {
  public:
   struct Handlers {
@@ -36,20 +51,29 @@ class Tcp_link {
   void open(const wire::Endpoint& remote);
   void close();
 
+  /// Takes up again what an exception out of this or a handler has cut short.
+  void resume();
+
+  /// What `open` was given; nothing after `close`.
+  const std::optional<wire::Endpoint>& remote() const { return remote_; }
+
   /// Sends a message from the caller's thread as far as the socket takes it; the rest is queued. Any thread.
+  /// @throws std::bad_alloc, with nothing sent.
   boost::system::error_code send(wire::Bytes front, wire::Bytes rest);
 
  private:
   using Socket = boost::asio::ip::tcp::socket;
-  using Clock = std::chrono::steady_clock;
+  using Clock = Alarm::Clock;
 
   void connect();
+  void timed_out();
   void connected(boost::system::error_code error);
   void read();
   bool take_messages();
   void failed(std::string_view reason);
   void disconnect();
   void wait_writable();
+  bool is_flushing();
   void flush();
 
   boost::asio::io_context& io_;
@@ -57,10 +81,13 @@ class Tcp_link {
   Counted_warnings& warnings_;
   const Handlers handlers_;
   Socket socket_;
-  boost::asio::steady_timer timer_;  // ends an attempt that takes too long, or begins the next one
+  Alarm alarm_;  // ends an attempt that takes too long, or begins the next one; set as long as no connection stands
   std::optional<wire::Endpoint> remote_;
-  std::chrono::milliseconds delay_{};
+  Reconnect_delays delays_;
   std::optional<Clock::time_point> up_since_;
+  bool connecting_ = false;
+  bool reading_ = false;
+  bool awaiting_room_ = false;
   std::uint64_t attempt_ = 0;  // tells the handlers of an earlier socket from those of this one
   wire::Message_stream stream_;
 

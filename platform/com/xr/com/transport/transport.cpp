@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/asio/post.hpp>
+#include <chrono>
 #include <exception>
 #include <optional>
 #include <utility>
@@ -11,6 +12,12 @@
 
 namespace xr::com::transport {
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kResumePause = 100ms;
+constexpr auto kEndTime = 1s;
+constexpr int kEndAttempts = 3;
 
 /// The way from a found instance back to the transport, with the place where the instance was then.
 class Found_instance final : public runtime::Port_source {
@@ -62,26 +69,16 @@ Transport::Transport(wire::Deployment deployment, std::shared_ptr<Find_thread> f
       work_{io_.get_executor()},
       buffer_(wire::kMaximumMessage),
       channel_{io_, deployment_, buffer_, warnings_},
-      discovery_{io_, deployment_, channel_, *find_thread_, *this, warnings_} {}
+      discovery_{io_, deployment_, channel_, *find_thread_, *this, warnings_} {
+  cpp_binding::logger();  // made while failing is still possible: from now on it is needed where memory has run out
+}
 
 Transport::~Transport() {
   stop();
 }
 
 void Transport::start() {
-  boost::asio::post(io_, [this] { discovery_.start(); });
   thread_ = os::StartThread("xr_transport", [this] { run(); });
-}
-
-void Transport::run() {
-  for (;;) {
-    try {
-      io_.run();
-      return;
-    } catch (const std::exception& e) {  // out of a completion or a sink; the other calls and events go on
-      cpp_binding::logger().LogError() << "A handler on the transport thread threw: " << e;
-    }
-  }
 }
 
 void Transport::stop() {
@@ -90,23 +87,83 @@ void Transport::stop() {
     const std::lock_guard lock{mutex_};
     stopped_ = true;
   }
-  boost::asio::post(io_, [this] {
-    for (const auto& [key, port] : attached_) port->stop();
-    discovery_.stop();
-    work_.reset();
-  });
+  io_.stop();  // needs no memory; the thread itself does the rest
   thread_.join();
   attached_.clear();
   ports_.clear();  // which end the circle of ports and transport; no other thread opens ports any more
+}
+
+void Transport::run() {
+  serve();
+  end();
+}
+
+/// Runs all handlers. After an exception out of one, which may have left something unarmed or half done, everything is taken up again: at
+/// once, but at most once in `kResumePause`, and until it succeeds.
+void Transport::serve() {
+  auto resume_at = Alarm::Clock::now();
+  bool interrupted = true;  // nothing runs yet
+  while (!io_.stopped()) {
+    try {
+      if (interrupted) {
+        io_.run_until(resume_at);
+        resume_at = Alarm::Clock::now() + kResumePause;
+        resume();
+        interrupted = false;
+      }
+      io_.run();
+    } catch (const std::exception& e) {  // out of a completion, a sink, or for want of memory; the other calls and events go on
+      cpp_binding::logger().LogError() << "A handler on the transport thread threw: " << e;
+      interrupted = true;
+    }
+  }
+}
+
+/// Ends what runs, each part whatever happens to the others, and lets the handlers that wait see it.
+void Transport::end() {
+  const auto attempt = [](const auto& step) {
+    for (int i = 0; i < kEndAttempts; ++i) {
+      try {
+        return step();
+      } catch (const std::exception& e) {
+        cpp_binding::logger().LogError() << "The end of the transport was interrupted: " << e;
+      }
+    }
+  };
+  for (const auto& [key, port] : attached_) attempt([&port = port] { port->stop(); });
+  attempt([this] { discovery_.stop(); });
+  work_.reset();
+  io_.restart();
+  attempt([this] { io_.run_for(kEndTime); });
+}
+
+/// Takes up whatever is begun, changed or cut short. Repeating it is harmless.
+void Transport::resume() {
+  adopt();
+  discovery_.start();
+  for (const auto& [key, port] : attached_) port->resume(discovery_.find_offer(key));
+}
+
+/// Takes the finds and ports that other threads have made.
+void Transport::adopt() {
+  const std::lock_guard lock{mutex_};
+  for (; !new_finds_.empty(); new_finds_.pop_front()) discovery_.add_find(new_finds_.front());
+  attached_.insert(ports_.begin(), ports_.end());
+}
+
+void Transport::resume_later() {
+  boost::asio::post(io_, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->resume();
+  });
 }
 
 cpp_binding::Find_service_handle Transport::start_find(const std::string& service, const std::string& instance, Find::Handler handler) {
   const auto* deployed = deployment_.find_service(service);
   if (deployed == nullptr) throw Invalid_argument_exception{"The deployment names no service " + service};
   auto find = std::make_shared<Find>(service, deployed->service_id, parse_instance(instance), std::move(handler));
-  boost::asio::post(io_, [weak_transport = weak_from_this(), weak_find = std::weak_ptr{find}] {
-    if (const auto self = weak_transport.lock()) self->discovery_.add_find(weak_find);
-  });
+  const std::lock_guard lock{mutex_};
+  resume_later();  // which waits for the lock; so if either fails, no find is left that the caller does not have
+  new_finds_.push_back(find);
   return cpp_binding::Find_service_handle{std::move(find)};
 }
 
@@ -118,29 +175,22 @@ std::shared_ptr<Service_port> Transport::open_port(Instance_key key, const Offer
   if (stopped_) throw Service_not_available_exception{};
   auto& port = ports_[key];
   if (!port) {
-    port = std::make_shared<Service_port>(shared_from_this(), Port_environment{io_, deployment_, channel_, buffer_, warnings_}, service,
-                                          key, offer);
-    boost::asio::post(io_, [this, port, key] { attach(port, key); });
+    auto made = std::make_shared<Service_port>(shared_from_this(), Port_environment{io_, deployment_, channel_, buffer_, warnings_},
+                                               service, key, offer);
+    resume_later();
+    port = std::move(made);
   }
   return port;
 }
 
-void Transport::attach(const std::shared_ptr<Service_port>& port, Instance_key key) {
-  attached_.emplace(key, port);
-  port->start();
-  if (const auto* offer = discovery_.find_offer(key)) {
-    port->offered(*offer);
-  } else {
-    port->lost();
-  }
-}
-
-void Transport::instance_offered(Instance_key key, const Offer& offer, Known_instances::Change) {
+void Transport::instance_offered(Instance_key key, const Offer& offer) {
   if (const auto port = attached_.find(key); port != attached_.end()) port->second->offered(offer);
 }
 
-void Transport::instance_lost(Instance_key key) {
-  if (const auto port = attached_.find(key); port != attached_.end()) port->second->lost();
+void Transport::instances_lost() {
+  for (const auto& [key, port] : attached_) {
+    if (discovery_.find_offer(key) == nullptr) port->lost();
+  }
 }
 
 void Transport::subscription_answered(const wire::Sd_entry& ack, const wire::Endpoint& peer) {

@@ -2,6 +2,7 @@
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -27,10 +28,11 @@ class Transport final : public std::enable_shared_from_this<Transport>, private 
   Transport(wire::Deployment deployment, std::shared_ptr<Find_thread> find_thread);
   ~Transport() override;
 
-  /// Starts the transport thread. Once, on the thread that owns this.
+  /// Starts the transport thread. Once, on the thread that owns this. @throws std::system_error if there is no thread to be had.
   void start();
 
-  /// Ends subscriptions, calls and connections, and joins the thread. Ports stay valid; their instances count as lost from then on.
+  /// Ends subscriptions, calls and connections, and joins the thread, within a second. Ports stay valid; their instances count as lost from
+  /// then on. Throws nothing, however little memory there is.
   void stop();
 
   /// See `Service_finder::start_find`. Any thread.
@@ -42,10 +44,14 @@ class Transport final : public std::enable_shared_from_this<Transport>, private 
 
  private:
   void run();
-  void attach(const std::shared_ptr<Service_port>& port, Instance_key key);
+  void serve();
+  void end();
+  void resume();
+  void adopt();
+  void resume_later();
 
-  void instance_offered(Instance_key key, const Offer& offer, Known_instances::Change change) override;
-  void instance_lost(Instance_key key) override;
+  void instance_offered(Instance_key key, const Offer& offer) override;
+  void instances_lost() override;
   void subscription_answered(const wire::Sd_entry& ack, const wire::Endpoint& peer) override;
   std::shared_ptr<runtime::Port_source> port_source(Instance_key key, const Offer& offer) override;
 
@@ -59,8 +65,9 @@ class Transport final : public std::enable_shared_from_this<Transport>, private 
   Discovery discovery_;
   std::map<Instance_key, std::shared_ptr<Service_port>> attached_;  // the transport thread's own
 
-  std::mutex mutex_;  // guards the two below
+  std::mutex mutex_;  // guards the three below
   std::map<Instance_key, std::shared_ptr<Service_port>> ports_;
+  std::deque<std::weak_ptr<Find>> new_finds_;  // which discovery does not have yet
   bool stopped_ = false;
 
   std::thread thread_;

@@ -40,6 +40,12 @@ std::size_t index_of(std::vector<Option>& all, const std::vector<Option>& wanted
   return index;
 }
 
+/// Whether `end` ends the subscription that `entry` asks for anew.
+bool is_renewed_by(const Sd_entry& end, const Sd_entry& entry) {
+  return end.type == Entry_type::subscribe && end.ttl == 0 && entry.type == Entry_type::subscribe && entry.ttl != 0 &&
+         end.service == entry.service && end.instance == entry.instance && end.eventgroup == entry.eventgroup;
+}
+
 void append_entry(std::vector<unsigned char>& bytes, const Sd_entry& entry, std::size_t firstOption) {
   const auto count = std::min(entry.options.size(), kMaximumRun);
   bytes.push_back(static_cast<unsigned char>(entry.type));
@@ -141,6 +147,18 @@ Result<Bytes> take_array(Bytes& bytes) {
 }
 
 }  // namespace
+
+std::size_t fitting_entries(const std::vector<Sd_entry>& entries) {
+  constexpr std::size_t kFrame = kHeaderSize + 12;  // flags and the two lengths
+  std::vector<Option> options;
+  std::size_t count = 0;
+  for (; count < entries.size(); ++count) {
+    index_of(options, entries[count].options);
+    if (kFrame + (count + 1) * kEntrySize + options.size() * (kOptionFront + kIpv4Length) > kMaximumSdMessage) break;
+  }
+  if (count > 1 && count < entries.size() && is_renewed_by(entries[count - 1], entries[count])) --count;
+  return std::max<std::size_t>(count, entries.empty() ? 0 : 1);
+}
 
 std::vector<unsigned char> encode_sd(const Sd_message& message) {
   std::vector<unsigned char> entries;

@@ -64,6 +64,13 @@ struct Sd_message {
   std::size_t dropped_entries = 0;  ///< how many entries of a received message refer to options that it does not have
 };
 
+/// The biggest message that is sent, header included: one that no network has to cut.
+inline constexpr std::size_t kMaximumSdMessage = 1400;
+
+/// How many of the first entries travel in one message of at most `kMaximumSdMessage` bytes: at least one, if there is any. The end of a
+/// subscription stays with the subscription that follows it, since the service takes both for one only in one message.
+std::size_t fitting_entries(const std::vector<Sd_entry>& entries);
+
 /// The whole message, SOME/IP header included. Entries that share their options refer to the same ones.
 std::vector<unsigned char> encode_sd(const Sd_message& message);
 
