@@ -122,8 +122,7 @@ bool ModelElement::SetWords(std::string_view name, std::span<const std::string> 
 
 void ModelElement::Unset(std::string_view name) {
   if (!model_.Find(name)) throw std::logic_error{std::string{model_.className} + " has no such property: " + std::string{name}};
-  const zuva::ChangeScope scope{*this};
-  if (HasField(name)) RemoveField(name);
+  RemoveField(name);
 }
 
 bool ModelElement::HasWord(std::string_view name, std::string_view word) const {
@@ -145,6 +144,7 @@ WordList ModelElement::GetWords(std::string_view name) const {
 
 void ModelElement::Embed(std::string_view name, std::shared_ptr<ModelElement> object) {
   Require(name, ogm::Kind::Object);
+  if (!object) throw ara::rest::InvalidArgumentException{"ptr is null"};
   auto tree = object->ToOGM();
   KeepEmbedded(std::string{name}, std::move(object));
   const zuva::ChangeScope scope{*this};

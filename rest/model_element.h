@@ -83,6 +83,7 @@ class ModelElement : public zuva::ServerElement {
   WordList GetWords(std::string_view name) const;
 
   /// Puts another object into this one under `name`: readers see it as it is at that moment. Only before this object is reachable.
+  /// Throws `ara::rest::InvalidArgumentException` "ptr is null" for none.
   void Embed(std::string_view name, std::shared_ptr<ModelElement> object);
   /// The object embedded under `name`, or null.
   std::shared_ptr<zuva::ServerElement> FindEmbedded(std::string_view name) const;

@@ -174,14 +174,16 @@ PostStatus TROVZuVaServer::SwitchControl_POSThandler(const ogm::Object& posted, 
 PostStatus TROVZuVaServer::ValueControl_POSThandler(const ogm::Object& posted, std::shared_ptr<ValueControlObject> object) {
   Opt<std::uint32_t> value;
   bool valid = false;
-  if (const auto number = Posted<ogm::Int>(posted, "currentValue"); number.has_value()) {
-    value = static_cast<std::uint32_t>(number.value());  // the object check lets nothing but 0 to 3000 through
+  const auto number = Posted<ogm::Int>(posted, "currentValue");
+  const bool fits = !number.has_value() || std::in_range<std::uint32_t>(number.value());
+  if (number.has_value() && fits) {
+    value = static_cast<std::uint32_t>(number.value());
     valid = Validate_ValueControl(*object, value.value());
   }
   const Word specialState = Posted<ogm::String>(posted, "specialState");
-  // A special state decides alone: the check of the value no longer counts.
+  // A special state decides alone: the check of the value no longer counts, unless the vehicle's type cannot hold it.
   if (specialState.has_value()) {
-    valid = IsConfigured(*object, "specialStateConfiguration", specialState.value());
+    valid = fits && IsConfigured(*object, "specialStateConfiguration", specialState.value());
   }
   logger_.LogInfo() << "[Zuva][Zuva -> SomeIp] ValueControl Result for the validation checks: " << valid << "!";
   if (!valid) return POST_INVALID;

@@ -19,29 +19,13 @@ ara::rest::Uri RegistryUri() {
   return ara::rest::Uri::Builder{kRegistryUri, ara::rest::GetDefaultAllocator()}.ToUri();
 }
 
+// All other resources show what their model says, which is their text in the specification document too. These three differ from it.
 void Describe(ZuvaServer& server) {
-  server.GetChargingManagementCoreChargingPlugs()->SetDescription(
-      "charging plug informs about the position and state of plugs connected to the cars charging socket");
-  server.GetChargingManagementCoreChargingProcessInformation()->SetDescription(
-      "informs the user about the active chargeMode and detailed information about a running charging process");
   server.GetChargingManagementCoreImmediateActions()->SetDescription(
       "immediateActions stop a running charging process or can start a chargingprocess with a defined charging end criteria. The charging "
       "end criteria is only valid once");
-  server.GetChargingManagementCoreImmediateChargingOptions()->SetDescription(
-      "immediateChargingOptions let the user control options for immediate charging processes");
-  server.GetChargingManagementCoreNotificationMarkers()->SetDescription(
-      "notificationMarkers inform when a defined charging criteria is reached. It is only one charging criteria, notificationSocValue, "
-      "notificationRangeValue, notificationTimeValue, per element allowed");
   server.GetChargingManagementCoreNotifications()->SetDescription("This are the charging notifications");
-  server.GetChargingManagementCoreOruUpdateApprovals()->SetDescription("indicates the approval status for online remote updates");
   server.GetChargingManagementCorePastErrorInformation()->SetDescription("past errors of a charging process");
-  server.GetChargingManagementCoreSwitchControls()->SetDescription(
-      "This resource contains the mode of a function that can accept one out of many values.");
-  server.GetChargingManagementCoreValueControls()->SetDescription(
-      "This resource describes the control elements of functions that can accept a value and/or may have a special state.");
-  server.GetChargingManagementCoreValueIndications()->SetDescription(
-      "This resource describes the control elements of functions that can report a value and may also accept special states.");
-  server.GetChargingManagementCoreViews()->SetDescription("informs about views for charging");
 }
 
 /// Runs a change of the registry on a thread of its own. Waits for the former one first, so that the last change is the one that stays.

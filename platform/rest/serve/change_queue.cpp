@@ -1,5 +1,7 @@
 #include "serve/change_queue.h"
 
+#include <exception>
+#include <new>
 #include <utility>
 
 #include "zuva/server_resource.h"
@@ -26,7 +28,7 @@ void ChangeQueue::Close() {
   dropped = EmptyLocked();
 }
 
-ChangeQueue::Batch ChangeQueue::Take() {
+ChangeQueue::Batch ChangeQueue::Take() noexcept {
   const std::lock_guard lock{mutex_};
   woken_ = false;
   const bool lost = lost_;
@@ -34,35 +36,52 @@ ChangeQueue::Batch ChangeQueue::Take() {
 }
 
 void ChangeQueue::Added(const std::shared_ptr<ServerResource>& resource, const std::shared_ptr<ServerElement>& element, std::string path,
-                        std::shared_ptr<const ogm::Object> tree, std::string text) {
+                        std::shared_ptr<const ogm::Object> tree, std::string text) noexcept {
   const std::lock_guard lock{mutex_};
   if (!TakesLocked()) return;
   PushLocked({Change::Kind::kAdded, resource, element, resource->GetGeneration(), std::move(path), std::move(tree), std::move(text)});
 }
 
-void ChangeQueue::Changed(const std::shared_ptr<ServerResource>& resource, const std::shared_ptr<ServerElement>& element) {
+void ChangeQueue::Changed(const std::shared_ptr<ServerResource>& resource, const std::shared_ptr<ServerElement>& element) noexcept {
   const std::lock_guard lock{mutex_};
-  if (!TakesLocked() || !marks_.try_emplace(element.get(), changes_.size()).second) return;
+  if (!TakesLocked()) return;
+  try {
+    if (!marks_.try_emplace(element.get(), changes_.size()).second) return;
+  } catch (const std::bad_alloc&) {  // without its mark the change is pushed each time
+  }
   PushLocked({Change::Kind::kChanged, resource, element, 0, {}, nullptr, {}});
 }
 
 void ChangeQueue::Removed(const std::shared_ptr<ServerResource>& resource, const std::shared_ptr<ServerElement>& element,
-                          std::string path) {
+                          std::string path) noexcept {
   const std::lock_guard lock{mutex_};
   if (!TakesLocked()) return;
   DropMarkLocked(element.get());
   PushLocked({Change::Kind::kRemoved, resource, element, resource->GetGeneration(), std::move(path), nullptr, {}});
 }
 
-bool ChangeQueue::TakesLocked() {
+bool ChangeQueue::TakesLocked() noexcept {
   if (!listening_ || lost_) return false;
   lost_ = changes_.size() >= kLongest;
   return !lost_;
 }
 
-void ChangeQueue::PushLocked(Change change) {
-  changes_.push_back(std::move(change));
-  if (!std::exchange(woken_, true)) wake_();
+void ChangeQueue::PushLocked(Change change) noexcept {
+  try {
+    changes_.push_back(std::move(change));
+  } catch (const std::bad_alloc&) {  // the subscribers end for it, and find the tree as it is when they come again
+    lost_ = true;
+  }
+  WakeLocked();
+}
+
+void ChangeQueue::WakeLocked() noexcept {
+  if (woken_) return;
+  try {
+    wake_();
+    woken_ = true;                   // not before: after a failure the next change tries again
+  } catch (const std::exception&) {  // there is no memory to log with either
+  }
 }
 
 void ChangeQueue::DropMarkLocked(const ServerElement* element) {
@@ -72,7 +91,7 @@ void ChangeQueue::DropMarkLocked(const ServerElement* element) {
   marks_.erase(mark);
 }
 
-std::vector<Change> ChangeQueue::EmptyLocked() {
+std::vector<Change> ChangeQueue::EmptyLocked() noexcept {
   marks_.clear();
   lost_ = false;
   return std::exchange(changes_, {});

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <boost/url/pct_string_view.hpp>
 
 #include "serve/config.h"
@@ -52,35 +51,19 @@ std::string_view TypeOf(const std::string& place) {
   return row == kTypes.end() ? "application/octet-stream" : row->type;
 }
 
-/// An open file, or none.
-class File {
- public:
-  explicit File(const std::string& place) : descriptor_{::open(place.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)} {}
-  ~File() {
-    if (descriptor_ >= 0) ::close(descriptor_);
+/// Another one for each change of the file, without a look into it.
+std::string EtagOf(const struct stat& status) {
+  std::string tag = "\"";
+  for (const auto number : {static_cast<std::uint64_t>(status.st_ino), static_cast<std::uint64_t>(status.st_size),
+                            static_cast<std::uint64_t>(status.st_ctim.tv_sec), static_cast<std::uint64_t>(status.st_ctim.tv_nsec)}) {
+    std::array<char, 16> digits;
+    const char* const begin = digits.data();
+    const char* const end = std::to_chars(digits.begin(), digits.end(), number, 16).ptr;
+    if (tag.size() > 1) tag += '-';
+    tag.append(begin, end);
   }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-
-  std::optional<struct stat> Status() const {
-    struct stat status {};
-    if (descriptor_ < 0 || ::fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-    return status;
-  }
-  /// All of it; nothing if it is shorter than that by now.
-  std::optional<std::string> Read(std::size_t size) const {
-    std::string content(size, '\0');
-    for (std::size_t have = 0; have < size;) {
-      const auto got = ::read(descriptor_, content.data() + have, size - have);
-      if (got <= 0) return std::nullopt;
-      have += static_cast<std::size_t>(got);
-    }
-    return content;
-  }
-
- private:
-  int descriptor_;
-};
+  return tag + '"';
+}
 
 /// The weight that an `Accept` field gives to a type: that of its most precise range.
 double WeightOf(std::string_view accept, std::string_view type) {
@@ -103,6 +86,19 @@ double WeightOf(std::string_view accept, std::string_view type) {
 
 }  // namespace
 
+bool DocumentPieces::Begin(std::shared_ptr<const Document> document) {
+  document_ = std::move(document);
+  piece_ = std::vector<char>{};  // a connection at rest keeps no room
+  end_ = 0;
+  return !HasMore() || Next();
+}
+
+bool DocumentPieces::Next() {
+  piece_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kMostBytes, document_->size - end_)));
+  const auto begin = std::exchange(end_, end_ + piece_.size());
+  return document_->file.ReadAt(begin, piece_.data(), piece_.size());
+}
+
 Documents::Documents(const std::string& root) {
   std::error_code error;
   root_ = fs::canonical(Staged(root), error).string();
@@ -111,58 +107,37 @@ Documents::Documents(const std::string& root) {
   if (!root_.ends_with('/')) root_ += '/';
 }
 
-std::shared_ptr<const Rendered> Documents::Find(std::string_view requestPath) {
-  const auto place = PlaceOf(requestPath);
-  if (place.empty()) return nullptr;
-  const File file{place};
-  const auto status = file.Status();
-  if (!status || static_cast<std::uint64_t>(status->st_size) > kMostBytes) return nullptr;
-  const auto size = static_cast<std::size_t>(status->st_size);
-  const Stamp stamp{status->st_dev, status->st_ino, size, status->st_mtim.tv_sec, status->st_mtim.tv_nsec};
-  if (const auto kept = kept_.find(place); kept != kept_.end() && kept->second.stamp == stamp) return kept->second.document;
-  auto content = file.Read(size);
-  if (!content) return nullptr;
-  return Keep(place, stamp, std::move(*content));
+std::shared_ptr<const Document> Documents::Find(std::string_view requestPath) const {
+  const auto path = PathOf(requestPath);
+  if (path.empty()) return nullptr;
+  auto file = OpenBelow(root_, path);
+  struct stat status {};
+  if (!file || ::fstat(file.Descriptor(), &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+  auto document = std::make_shared<Document>(std::move(file), static_cast<std::uint64_t>(status.st_size));
+  document->etag = EtagOf(status);
+  document->head.append("HTTP/1.1 200 OK\r\nContent-Type: ").append(TypeOf(path));
+  document->head.append("\r\nContent-Length: ").append(std::to_string(document->size));
+  document->head.append("\r\nETag: ").append(document->etag);
+  document->head.append("\r\nCache-Control: no-cache\r\nX-Content-Type-Options: nosniff\r\n");
+  return document;
 }
 
 bool Documents::PrefersHtml(std::string_view accept) {
   return WeightOf(accept, "text/html") > WeightOf(accept, "application/json");
 }
 
-/// Where the file lies, links followed; empty if that is outside the root or the path is none.
-std::string Documents::PlaceOf(std::string_view requestPath) const {
+/// The path relative to the root; empty if it is none, or one that is not served.
+std::string Documents::PathOf(std::string_view requestPath) {
   const auto encoded = boost::urls::make_pct_string_view(boost::urls::string_view{requestPath.data(), requestPath.size()});
   if (!encoded || !requestPath.starts_with('/')) return {};
-  const std::string path = encoded->decode();
+  std::string path = encoded->decode();
   if (path.find('\0') != std::string::npos) return {};
   for (std::size_t begin = 1; begin <= path.size();) {
     const auto end = std::min(path.find('/', begin), path.size());
     if (end == begin || path[begin] == '.') return {};  // an empty segment is another path; "..", and what is hidden
     begin = end + 1;
   }
-  std::error_code error;
-  auto place = fs::canonical(root_ + path.substr(1), error).string();
-  if (error || !place.starts_with(root_)) return {};
-  return place;
-}
-
-std::shared_ptr<const Rendered> Documents::Keep(const std::string& place, const Stamp& stamp, std::string content) {
-  auto document = std::make_shared<Rendered>();
-  document->etag = MakeEtag(content);
-  document->head.append("HTTP/1.1 200 OK\r\nContent-Type: ").append(TypeOf(place));
-  document->head.append("\r\nContent-Length: ").append(std::to_string(content.size()));
-  document->head.append("\r\nETag: ").append(document->etag);
-  document->head.append("\r\nCache-Control: no-cache\r\nX-Content-Type-Options: nosniff\r\n");
-  document->body = std::move(content);
-  if (keptBytes_ + stamp.size > kMostBytes) {
-    kept_.clear();
-    keptBytes_ = 0;
-  }
-  auto& kept = kept_[place];
-  if (kept.document) keptBytes_ -= kept.document->body.size();
-  keptBytes_ += stamp.size;
-  kept = {stamp, document};
-  return document;
+  return path.substr(1);
 }
 
 }  // namespace zuva::serve

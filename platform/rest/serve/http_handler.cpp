@@ -54,7 +54,7 @@ bool IsPreflight(const Hub& hub, const HttpRequest& request) {
 }
 
 /// The file that a path stands for, if no service owns the path.
-std::shared_ptr<const Rendered> FindDocument(const Hub& hub, std::string_view path) {
+std::shared_ptr<const Document> FindDocument(const Hub& hub, std::string_view path) {
   if (!hub.documents) return nullptr;
   const auto first = path.substr(0, path.find('/', 1));
   return hub.tree.FindOnIo(first) ? nullptr : hub.documents->Find(path);

@@ -214,15 +214,13 @@ void HttpSession::Upgrade(Rights rights) {
 HttpSession::Progress HttpSession::Send(Response response) {
   response_ = std::move(response);
   last_ = last_ || !reader_.Request().keepAlive;
+  if (!pieces_.Begin(reader_.Request().method == HttpMethod::kHead ? nullptr : response_.file)) return Fail();
   AddFields();
   const auto& date = hub_.date.Get();
   const auto buffers = ToSend(date);
   boost::system::error_code error;
   const auto sent = stream_.TryWrite(buffers, error);
-  if (error && error != asio::error::would_block) {
-    Abort();
-    return Progress::kLater;
-  }
+  if (error && error != asio::error::would_block) return Fail();
   if (sent < asio::buffer_size(buffers)) return SendRest(sent, date);
   return AfterSend();
 }
@@ -245,7 +243,6 @@ void HttpSession::SendContinue() {
 }
 
 HttpSession::Progress HttpSession::SendRest(std::size_t sent, const std::string& date) {
-  Enter(State::kWriting);
   date_ = date;
   auto rest = ToSend(date_);
   for (auto& buffer : rest) {
@@ -253,7 +250,12 @@ HttpSession::Progress HttpSession::SendRest(std::size_t sent, const std::string&
     buffer += skipped;
     sent -= skipped;
   }
-  asio::async_write(stream_, rest, [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
+  return Write(rest);
+}
+
+HttpSession::Progress HttpSession::Write(const Buffers& buffers) {
+  Enter(State::kWriting);
+  asio::async_write(stream_, buffers, [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
     if (self->state_ == State::kEnded) return;
     if (error) return self->Abort();
     if (self->AfterSend() == Progress::kNext) self->Proceed();
@@ -262,6 +264,8 @@ HttpSession::Progress HttpSession::SendRest(std::size_t sent, const std::string&
 }
 
 HttpSession::Progress HttpSession::AfterSend() {
+  if (pieces_.HasMore()) return pieces_.Next() ? Write({asio::buffer(pieces_.Piece())}) : Fail();
+  pieces_.Begin(nullptr);
   response_ = {};
   if (last_) {
     Drain();
@@ -289,7 +293,7 @@ void HttpSession::AddFields() {
 HttpSession::Buffers HttpSession::ToSend(const std::string& date) const {
   const bool headOnly = reader_.Request().method == HttpMethod::kHead;
   const auto head = response_.Head();
-  const auto body = headOnly ? std::string_view{} : response_.Body();
+  const auto body = headOnly ? std::string_view{} : response_.file ? pieces_.Piece() : response_.Body();
   return {asio::buffer(head.data(), head.size()), asio::buffer(fields_), asio::buffer(date), asio::buffer(body.data(), body.size())};
 }
 

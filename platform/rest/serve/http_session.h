@@ -60,11 +60,16 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   void OnWritten(const ServerReply* reply);
   void Upgrade(Rights rights);
 
+  Progress Fail() {
+    Abort();
+    return Progress::kLater;
+  }
   Progress Send(Response response);
   void SendLast(Response response);
   void SendContinue();
   void ReadMore();
   Progress SendRest(std::size_t sent, const std::string& date);
+  Progress Write(const Buffers& buffers);
   Progress AfterSend();
   void AddFields();
   Buffers ToSend(const std::string& date) const;
@@ -87,6 +92,7 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
 
   Response response_;  // the answer being sent, and the lines that its head lacks
   std::string fields_;
+  DocumentPieces pieces_;  // of the answer's body, if that is a file
   std::string date_;       // a copy, for an answer that does not go out at once
   std::string knownHost_;  // a Host that has passed
 };

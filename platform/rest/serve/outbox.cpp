@@ -29,11 +29,12 @@ void Outbox::Clear() {
 
 std::optional<Frame> Outbox::Pop(const std::function<std::optional<Frame>(const Mark&)>& render) {
   while (!items_.empty()) {
-    Item item = std::move(items_.front());
+    auto& item = items_.front();
+    const auto bytes = item.Bytes();
+    auto frame = item.mark.seat ? render(item.mark) : std::move(item.frame);  // may throw: the item then stays
     items_.pop_front();
-    bytes_ -= item.Bytes();
-    if (!item.mark.seat) return std::move(item.frame);
-    if (auto frame = render(item.mark)) return frame;
+    bytes_ -= bytes;
+    if (frame) return frame;
   }
   return std::nullopt;
 }

@@ -42,7 +42,8 @@ class Outbox {
   void Forget(const Subscription* owner);
   void Clear();
 
-  /// The next frame; `render` makes it of a mark, or nothing if there is no need to tell any more.
+  /// The next frame; `render` makes it of a mark, or nothing if there is no need to tell any more. What `render` throws leaves all as it
+  /// was.
   std::optional<Frame> Pop(const std::function<std::optional<Frame>(const Mark&)>& render);
   std::size_t Bytes() const { return bytes_; }
 

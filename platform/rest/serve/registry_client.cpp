@@ -1,11 +1,9 @@
 #include "serve/registry_client.h"
 
+#include <algorithm>
 #include <chrono>
-#include <future>
-#include <memory>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>
@@ -13,7 +11,6 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
 
-#include "os/thread.h"
 #include "zuva/logger.h"
 
 namespace zuva::serve {
@@ -28,31 +25,13 @@ namespace {
 constexpr std::chrono::seconds kLongest{2};
 constexpr std::size_t kMostBytes = 65536;
 
-using Endpoints = std::vector<tcp::endpoint>;
+using Endpoints = NameLookup::Endpoints;
 
-Endpoints Resolve(const std::string& host, std::uint16_t port) {
-  asio::io_context context;
-  Endpoints endpoints;
-  for (const auto& entry : tcp::resolver{context}.resolve(host, std::to_string(port))) endpoints.push_back(entry.endpoint());
-  return endpoints;
-}
-
-/// The system's resolver cannot be hurried: where it takes too long, its thread is left to itself and what it finds is dropped.
-Endpoints ResolveUntil(Clock::time_point deadline, const RegistryAddress& address) {
+Endpoints Resolved(const RegistryAddress& address, NameLookup& names, Clock::time_point deadline) {
   boost::system::error_code error;
   const auto literal = asio::ip::make_address(address.host, error);
   if (!error) return {{literal, address.port}};
-  auto found = std::make_shared<std::promise<Endpoints>>();
-  auto result = found->get_future();
-  os::StartThread("registry-name", [found, host = address.host, port = address.port] {
-    try {
-      found->set_value(Resolve(host, port));
-    } catch (...) {  // told to whoever waits
-      found->set_exception(std::current_exception());
-    }
-  }).detach();
-  if (result.wait_until(deadline) != std::future_status::ready) throw std::runtime_error{"its name is not resolved in time"};
-  return result.get();
+  return names.Find(address.host, address.port, deadline);
 }
 
 /// One request and its answer on a connection of its own.
@@ -98,8 +77,12 @@ class Attempt {
 
 }  // namespace
 
+void RegistryClient::BeginStop() {
+  stopBy_ = (Clock::now() + kLongest).time_since_epoch().count();
+}
+
 void RegistryClient::Exchange(const char* method, const std::string& service, const std::string& document) const {
-  const auto deadline = Clock::now() + kLongest;
+  const auto deadline = std::min(Clock::now() + kLongest, Clock::time_point{Clock::duration{stopBy_.load()}});
   const auto target = address_.path + "/" + service;
   try {
     http::request<http::string_body> request{http::string_to_verb(method), target, 11};
@@ -108,7 +91,7 @@ void RegistryClient::Exchange(const char* method, const std::string& service, co
     if (!document.empty()) request.set(http::field::content_type, "application/json");
     request.body() = document;
     request.prepare_payload();
-    const auto status = Attempt{std::move(request), ResolveUntil(deadline, address_)}.Run(deadline);
+    const auto status = Attempt{std::move(request), Resolved(address_, names_, deadline)}.Run(deadline);
     if (status / 100 != 2) throw std::runtime_error{"it answers " + std::to_string(status)};
   } catch (const std::exception& e) {
     GetLogger().LogWarn() << "The registry did not take " << method << " " << target << " at " << address_.authority << ": " << e;

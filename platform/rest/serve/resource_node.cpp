@@ -12,19 +12,19 @@ bool Watches(const Seat& seat, std::string_view path) {
   return wanted.empty() || wanted == path;
 }
 
-void Push(Seat& seat, std::shared_ptr<const std::string> tail, std::vector<Subscriber*>& touched) {
+void Push(Seat& seat, std::shared_ptr<const std::string> tail, Touched& touched) {
   auto& subscription = *seat.subscription;
   subscription.subscriber->GetOutbox().Push(Frame{subscription.prefix, std::move(tail)}, &subscription);
-  touched.push_back(subscription.subscriber);
+  touched.Add(*subscription.subscriber);
 }
 
-void PushMark(Seat& seat, std::uint32_t number, Member& member, std::vector<Subscriber*>& touched) {
+void PushMark(Seat& seat, std::uint32_t number, Member& member, Touched& touched) {
   if (member.mark != 0) return;  // one waits already, and will show this change too
   if (++seat.lastSerial == 0) ++seat.lastSerial;
-  member.mark = seat.lastSerial;
   auto& subscription = *seat.subscription;
-  subscription.subscriber->GetOutbox().Push(Mark{&seat, number, member.mark}, &subscription);
-  touched.push_back(subscription.subscriber);
+  subscription.subscriber->GetOutbox().Push(Mark{&seat, number, seat.lastSerial}, &subscription);
+  member.mark = seat.lastSerial;
+  touched.Add(*subscription.subscriber);
 }
 
 }  // namespace
@@ -70,6 +70,10 @@ void ResourceNode::Tell(const Change& change, Touched& touched) {
     case Change::Kind::kDropped:
       return;
   }
+}
+
+void ResourceNode::TellLost(Touched& touched) noexcept {
+  for (const auto* seat : seats_) touched.AddLost(*seat->subscription->subscriber);
 }
 
 void ResourceNode::TellAdded(const Change& change, Touched& touched) {
@@ -140,30 +144,35 @@ std::optional<Frame> ResourceNode::Render(const Mark& mark) {
   auto& seat = *mark.seat;
   auto& member = MemberOf(seat, mark.slot);
   if (member.mark != mark.serial) return std::nullopt;
-  member.mark = 0;
   auto& slot = slots_[mark.slot];
   const auto& rendered = slot.element->Render();
-  if (rendered->version == member.version || !IsPresent(slot)) return std::nullopt;
+  if (rendered->version == member.version || !IsPresent(slot)) {
+    member.mark = 0;
+    return std::nullopt;
+  }
   auto& subscription = *seat.subscription;
   if (!subscription.query.Accepts(*rendered->tree)) {
+    Frame removed{subscription.prefix, EventTail("removed", slot.path, {})};
     member = {};
-    return Frame{subscription.prefix, EventTail("removed", slot.path, {})};
+    return removed;
   }
-  member.version = rendered->version;
   if (!slot.tail || slot.tailVersion != rendered->version) {
     slot.tail = EventTail("changed", slot.path, rendered->body);
     slot.tailVersion = rendered->version;
   }
+  member.mark = 0;  // only now: without memory for the text the mark still waits
+  member.version = rendered->version;
   return Frame{subscription.prefix, slot.tail};
 }
 
 std::uint32_t ResourceNode::SlotOf(const std::shared_ptr<ServerElement>& element, std::string_view path, std::uint64_t generation) {
-  const auto [entry, isNew] = byPath_.try_emplace(std::string{path}, 0U);
-  if (isNew) {
+  auto entry = byPath_.find(std::string{path});
+  if (entry == byPath_.end()) {
     const auto free = std::find_if(slots_.begin(), slots_.end(), [](const Slot& slot) { return !slot.element; });
-    entry->second = static_cast<std::uint32_t>(free - slots_.begin());
+    const auto number = static_cast<std::uint32_t>(free - slots_.begin());
     if (free == slots_.end()) slots_.emplace_back();
-    slots_[entry->second].path = path;
+    slots_[number].path = path;
+    entry = byPath_.emplace(path, number).first;  // last: without memory the slot stays a free one
   }
   auto& slot = slots_[entry->second];
   if (slot.element != element) {

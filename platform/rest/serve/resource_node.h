@@ -29,15 +29,15 @@ class ResourceNode {
   void Leave(const Subscription& subscription);
   bool IsEmpty() const { return seats_.empty(); }
 
-  /// Puts what the change means to each subscription into its outbox; the subscribers concerned are appended to `touched`.
-  void Tell(const Change& change, std::vector<Subscriber*>& touched);
+  /// Puts what the change means to each subscription into its outbox; the subscribers concerned are added to `touched`. Throws for want of
+  /// memory, and may then have done so for some of them only: `TellLost` is what is left.
+  void Tell(const Change& change, Touched& touched);
+  /// Adds all subscribers as such that missed something.
+  void TellLost(Touched& touched) noexcept;
   /// What to send for a mark, from the element's present state; nothing if the client knows it already.
   std::optional<Frame> Render(const Mark& mark);
-  const std::vector<Seat*>& Seats() const { return seats_; }
 
  private:
-  using Touched = std::vector<Subscriber*>;
-
   void TellAdded(const Change& change, Touched& touched);
   void TellChanged(const Change& change, Touched& touched);
   void TellRemoved(const Change& change, Touched& touched);

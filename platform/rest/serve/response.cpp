@@ -47,6 +47,13 @@ Response DocumentResponse(std::shared_ptr<const Rendered> document) {
   return response;
 }
 
+Response DocumentResponse(std::shared_ptr<const Document> document) {
+  Response response;
+  response.document = document;
+  response.file = std::move(document);
+  return response;
+}
+
 Response UnchangedResponse(const Rendered& document) {
   Response response;
   response.code = 304;

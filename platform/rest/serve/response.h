@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "serve/documents.h"
 #include "zuva/rendered.h"
 #include "zuva/server_reply.h"
 
@@ -20,6 +21,7 @@ std::string ProblemBody(unsigned code, std::string_view detail);
 struct Response {
   unsigned code = 200;
   std::shared_ptr<const Rendered> document;  ///< with this, head and body are the document's
+  std::shared_ptr<const Document> file;      ///< the same document, where its body is read while it is sent
   std::string head;
   std::string body;
 
@@ -29,6 +31,7 @@ struct Response {
 
 /// 200 and the document; its head is made at the first use. I/O thread only.
 Response DocumentResponse(std::shared_ptr<const Rendered> document);
+Response DocumentResponse(std::shared_ptr<const Document> document);
 /// 304, for a client that has the document already.
 Response UnchangedResponse(const Rendered& document);
 /// An answer that is no document. `fields` are further lines of the head, each with its line end.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "serve/outbox.h"
@@ -12,15 +14,42 @@
 
 namespace zuva::serve {
 
+class SubscriptionIndex;
+
 /// A client that is told of changes. I/O thread only.
 class Subscriber {
  public:
   virtual ~Subscriber() = default;
   virtual Outbox& GetOutbox() = 0;
-  /// Sends what the outbox holds, as far as the socket takes it. Ends no subscription before it returns.
+  /// Sends what the outbox holds, as far as the socket takes it. Ends no subscription before it returns. May throw for want of memory.
   virtual void Flush() = 0;
-  /// Something was lost on the way to this client, so that it cannot go on.
+  /// Something was lost on the way to this client, so that it cannot go on: ends its subscriptions, whether or not it throws.
   virtual void OnLost() = 0;
+
+ private:
+  friend class Touched;
+
+  bool isTouched_ = false;
+  bool hasLost_ = false;
+};
+
+/// The subscribers that the present changes concern. Their number is known when they subscribe, so that adding one takes no memory.
+class Touched {
+ public:
+  void Reserve(std::size_t subscriptions) { list_.reserve(subscriptions); }
+  void Add(Subscriber& subscriber) noexcept {
+    if (!std::exchange(subscriber.isTouched_, true)) list_.push_back(&subscriber);
+  }
+  /// Adds one that missed something.
+  void AddLost(Subscriber& subscriber) noexcept {
+    subscriber.hasLost_ = true;
+    Add(subscriber);
+  }
+  /// Lets each of them send, or end if it missed something. What one of them throws is kept from the others.
+  void FlushAll() noexcept;
+
+ private:
+  std::vector<Subscriber*> list_;
 };
 
 /// What one subscription knows of one element.
@@ -43,6 +72,12 @@ struct Seat {
 
 /// What a client has asked to hear: an element, a resource or a service, by path.
 struct Subscription {
+  Subscription() = default;
+  Subscription(const Subscription&) = delete;
+  Subscription& operator=(const Subscription&) = delete;
+  ~Subscription();  ///< ends it, if nobody has yet
+
+  SubscriptionIndex* index = nullptr;  ///< null once it has ended
   Subscriber* subscriber = nullptr;
   std::shared_ptr<const std::string> prefix;  ///< the beginning of all its frames
   Query query;                                ///< of a resource

@@ -1,28 +1,43 @@
 #include "serve/subscription_index.h"
 
-#include <algorithm>
+#include <exception>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "ara/rest/serialize/json_writer.h"
 #include "serve/frames.h"
 
 namespace zuva::serve {
-namespace {
 
-void KeepOneOfEach(std::vector<Subscriber*>& subscribers) {
-  std::sort(subscribers.begin(), subscribers.end());
-  subscribers.erase(std::unique(subscribers.begin(), subscribers.end()), subscribers.end());
+void Touched::FlushAll() noexcept {
+  for (auto* const subscriber : list_) {
+    subscriber->isTouched_ = false;
+    bool lost = std::exchange(subscriber->hasLost_, false);
+    try {
+      if (!lost) subscriber->Flush();
+    } catch (const std::exception&) {  // what it holds may be cut off in the middle
+      lost = true;
+    }
+    try {
+      if (lost) subscriber->OnLost();
+    } catch (const std::exception&) {  // its subscriptions have ended, and its connection times out
+    }
+  }
+  list_.clear();
 }
 
-}  // namespace
+Subscription::~Subscription() {
+  if (index) index->End(*this);
+}
 
 std::unique_ptr<Subscription> SubscriptionIndex::Subscribe(Subscriber& subscriber, std::string_view id,
                                                            const Server::Destination& destination, Query query, std::string_view path) {
-  queue_.Listen(true);  // before the snapshot, so that nothing falls between the two
+  touched_.Reserve(subscriptions_ + 1);
   auto subscription = std::make_unique<Subscription>();
   subscription->subscriber = &subscriber;
+  subscription->index = this;
+  ++subscriptions_;
+  queue_.Listen(true);  // before the snapshot, so that nothing falls between the two
   subscription->prefix = SubscriptionPrefix(id);
   subscription->query = std::move(query);
   std::string data;
@@ -44,7 +59,9 @@ std::unique_ptr<Subscription> SubscriptionIndex::Subscribe(Subscriber& subscribe
   return subscription;
 }
 
-void SubscriptionIndex::End(Subscription& subscription) {
+void SubscriptionIndex::End(Subscription& subscription) noexcept {
+  if (!std::exchange(subscription.index, nullptr)) return;
+  --subscriptions_;
   subscription.subscriber->GetOutbox().Forget(&subscription);
   for (const auto& seat : subscription.seats) seat->node->Leave(subscription);
   subscription.seats.clear();
@@ -52,31 +69,31 @@ void SubscriptionIndex::End(Subscription& subscription) {
   if (nodes_.empty()) queue_.Listen(false);
 }
 
-void SubscriptionIndex::Drain() {
+void SubscriptionIndex::Drain() noexcept {
   const auto batch = queue_.Take();
-  std::vector<Subscriber*> touched;
-  for (const auto& change : batch.changes) {
-    const auto node = nodes_.find(change.resource.get());
-    if (node != nodes_.end()) node->second->Tell(change, touched);
-  }
-  KeepOneOfEach(touched);
-  for (auto* subscriber : touched) subscriber->Flush();
+  for (const auto& change : batch.changes) Tell(change);
   if (batch.lost) TellLost();
+  touched_.FlushAll();
+}
+
+void SubscriptionIndex::Tell(const Change& change) noexcept {
+  const auto node = nodes_.find(change.resource.get());
+  if (node == nodes_.end()) return;
+  try {
+    node->second->Tell(change, touched_);
+  } catch (const std::exception&) {  // nobody knows which of them have it
+    node->second->TellLost(touched_);
+  }
 }
 
 ResourceNode& SubscriptionIndex::NodeOf(const std::shared_ptr<ServerResource>& resource) {
-  auto& node = nodes_[resource.get()];
-  if (!node) node = std::make_unique<ResourceNode>(resource);
-  return *node;
+  const auto found = nodes_.find(resource.get());
+  if (found != nodes_.end()) return *found->second;
+  return *nodes_.emplace(resource.get(), std::make_unique<ResourceNode>(resource)).first->second;
 }
 
-void SubscriptionIndex::TellLost() {
-  std::vector<Subscriber*> all;
-  for (const auto& [resource, node] : nodes_) {
-    for (const auto* seat : node->Seats()) all.push_back(seat->subscription->subscriber);
-  }
-  KeepOneOfEach(all);
-  for (auto* subscriber : all) subscriber->OnLost();
+void SubscriptionIndex::TellLost() noexcept {
+  for (const auto& [resource, node] : nodes_) node->TellLost(touched_);
 }
 
 }  // namespace zuva::serve

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -20,21 +21,27 @@ class SubscriptionIndex {
 
   /// Starts a subscription to what the path leads to, which is an element, a resource or a service, and puts the snapshot into the
   /// subscriber's outbox. From then on the subscriber is told until the subscription is ended, which must be before the subscriber goes.
+  /// After an exception there is no subscription.
   std::unique_ptr<Subscription> Subscribe(Subscriber& subscriber, std::string_view id, const Server::Destination& destination, Query query,
                                           std::string_view path);
-  void End(Subscription& subscription);
+  /// Harmless when repeated.
+  void End(Subscription& subscription) noexcept;
 
-  /// Passes on all changes that have gathered, and lets the subscribers that they concern send.
-  void Drain();
+  /// Passes on all changes that have gathered, and lets the subscribers that they concern send. Where something cannot be passed on, the
+  /// subscribers concerned are ended by `OnLost`, and the rest goes on.
+  void Drain() noexcept;
   /// What to send for a mark; nothing if the client knows it all.
   static std::optional<Frame> Render(const Mark& mark) { return mark.seat->node->Render(mark); }
 
  private:
   ResourceNode& NodeOf(const std::shared_ptr<ServerResource>& resource);
-  void TellLost();
+  void Tell(const Change& change) noexcept;
+  void TellLost() noexcept;
 
   ChangeQueue& queue_;
   std::unordered_map<const ServerResource*, std::unique_ptr<ResourceNode>> nodes_;  // those with subscriptions
+  std::size_t subscriptions_ = 0;
+  Touched touched_;
 };
 
 }  // namespace zuva::serve

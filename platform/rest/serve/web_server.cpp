@@ -142,7 +142,8 @@ void WebServer::SweepLater() {
   sweep_.async_wait([this](const boost::system::error_code& error) {
     sweeping_ = false;
     if (error || stopping_ || hub_->connections.Size() == 0) return;
-    SweepLater();  // first: trouble with one client does not end the sweeps
+    SweepLater();                 // first: trouble with one client does not end the sweeps
+    hub_->subscriptions.Drain();  // changes whose wake-up failed
     hub_->connections.ForEach([now = Clock::now()](Connection& connection) { connection.Sweep(now); });
   });
 }
@@ -158,6 +159,7 @@ void WebServer::Stop() {
     });
   }
   thread_.join();
+  if (registry_) registry_->BeginStop();  // what is left for the stop are the withdrawals
   pool_->Stop();
   hub_.reset();
   listeners_.clear();

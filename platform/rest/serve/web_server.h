@@ -50,7 +50,7 @@ class WebServer final : public Frontend {
   Server& tree_;
   const Config config_;
   const std::shared_ptr<ChangeQueue> changes_;
-  const std::optional<RegistryClient> registry_;
+  std::optional<RegistryClient> registry_;
   const std::unique_ptr<boost::asio::ssl::context> tls_;  // null: none
   std::optional<Documents> documents_;                    // I/O thread only
   mutable std::mutex addressesMutex_;                     // guards addresses_, which announcements ask for on threads of their own

@@ -27,6 +27,7 @@ class BaseType {
   /// Removes every field that the object names.
   virtual void RemoveFields(const ogm::Object& fields) = 0;
 
+  /// Of the store alone: what a transaction has written or removed shows after its commit.
   bool HasField(std::string_view name) const;
   /// The store itself: to be used under a `ChangeScope`, or before the object is shared.
   ogm::Object& GetOGM() noexcept { return fields_; }
@@ -35,7 +36,7 @@ class BaseType {
   template <class T>
   typename T::ValueType GetFieldValue(std::string_view name) const {
     const auto lock = Lock();
-    if (const auto transaction = GetLatestActiveTransaction(); transaction && transaction->HasField(name)) {
+    if (const auto transaction = GetLatestActiveTransaction(); transaction && transaction->Decides(name)) {
       return transaction->GetFieldValue<T>(name);
     }
     return ogm::ValueOf(ogm::Get<T>(fields_, name));

@@ -11,6 +11,14 @@ bool IsIdentity(std::string_view name) {
   return name == kId || name == kName || name == kUri;
 }
 
+void Write(ogm::Object& fields, std::string_view name, ara::rest::Pointer<ogm::Value> value) {
+  if (auto* const field = fields.Find(name)) {
+    field->SetValue(std::move(value));
+  } else {
+    fields.Append(std::string{name}, std::move(value));
+  }
+}
+
 }  // namespace
 
 BaseXObject::BaseXObject(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri, std::string name)
@@ -22,9 +30,12 @@ BaseXObject::BaseXObject(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri,
 
 bool BaseXObject::RemoveField(std::string_view name) {
   const ChangeScope scope{*this};
-  if (const auto transaction = GetLatestActiveTransaction()) transaction->RemoveField(name);
-  if (!fields_.Remove(name)) return false;
-  Touch();
+  if (const auto transaction = GetLatestActiveTransaction()) {
+    if (!transaction->RemoveField(name)) return false;  // the change itself is noted by the commit
+  } else {
+    if (!fields_.Remove(name)) return false;
+    Touch();
+  }
   CallPostChangeLocked(name);
   return true;
 }
@@ -84,20 +95,21 @@ std::string BaseXObject::GetName() const {
 
 void BaseXObject::SetUuid(const ara::rest::Uuid& uuid) {
   const ChangeScope scope{*this};
+  SetIdentityLocked(kId, uuid.ToString());  // first, as in the two below: without memory nothing has changed
   uuid_ = uuid;
-  SetIdentityLocked(kId, uuid_.ToString());
 }
 
 void BaseXObject::SetUri(const ara::rest::Uri& uri) {
   const ChangeScope scope{*this};
-  uri_ = uri;
-  SetIdentityLocked(kUri, uri_.ToString());
+  auto own = uri;
+  SetIdentityLocked(kUri, own.ToString());
+  uri_ = std::move(own);
 }
 
 void BaseXObject::SetName(std::string name) {
   const ChangeScope scope{*this};
+  SetIdentityLocked(kName, name);
   name_ = std::move(name);
-  SetIdentityLocked(kName, name_);
 }
 
 BaseXObject::PrePropertyChangeCallback BaseXObject::GetPrePropertyChangeCallback() const {
@@ -167,11 +179,7 @@ bool BaseXObject::SetFieldNode(std::string_view name, ara::rest::Pointer<ogm::Va
 }
 
 void BaseXObject::WriteLocked(std::string_view name, ara::rest::Pointer<ogm::Value> value) {
-  if (auto* const field = fields_.Find(name)) {
-    field->SetValue(std::move(value));
-  } else {
-    fields_.Append(std::string{name}, std::move(value));
-  }
+  Write(fields_, name, std::move(value));
 }
 
 void BaseXObject::SetIdentityLocked(std::string_view name, std::string text) {
@@ -197,15 +205,22 @@ void BaseXObject::CallPostChangeLocked(std::string_view name) {
   callback(self, std::string{name});
 }
 
-void BaseXObject::Commit(const ogm::Object& fields) {
+void BaseXObject::Commit(const ogm::Object& fields, const std::vector<std::string>& removed) {
   const ChangeScope scope{*this};
   const auto self = weak_from_this().lock();
   const auto before = GetPreTransactionCommitCallback();
   if (before && self) before(self, fields);
+  const auto next = ogm::Copy(fields_);  // written beside the store, so that all fields reach it, or none
+  bool changes = false;
+  for (const auto& name : removed) changes = next->Remove(name) || changes;
   for (const auto& field : fields) {
-    const auto* const stored = fields_.Find(field.GetName());
+    const auto* const stored = next->Find(field.GetName());
     if (stored && *stored == field) continue;
-    WriteLocked(field.GetName(), field.GetValue().Clone());
+    Write(*next, field.GetName(), field.GetValue().Clone());
+    changes = true;
+  }
+  if (changes) {
+    fields_.Swap(*next);
     Touch();
   }
   const auto after = GetPostTransactionCommitCallback();

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ara/rest/uri.h"
 #include "ara/rest/uuid.h"
@@ -34,6 +35,7 @@ class BaseXObject : public BaseType, public std::enable_shared_from_this<BaseXOb
 
   BaseXObject(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri, std::string name);
 
+  /// With a transaction active the removal is part of it, and the field is one of the transaction or of the store.
   bool RemoveField(std::string_view name) override;
   void Update(const ogm::Object& fields) override;
   /// An object is no list: throws `DataModelException`.
@@ -44,6 +46,7 @@ class BaseXObject : public BaseType, public std::enable_shared_from_this<BaseXOb
   /// The specification document; empty if there is none.
   virtual std::shared_ptr<const ogm::Object> GetSpec() const;
   virtual void SetSpec(ara::rest::Pointer<ogm::Object> spec);
+  /// The framework does not call it.
   virtual XObjectType GetXObjectType() const noexcept = 0;
 
   /// Adds the field with the default value of `T`; a field that is there stays as it is. Tells whether it was added.
@@ -84,7 +87,7 @@ class BaseXObject : public BaseType, public std::enable_shared_from_this<BaseXOb
   /// Notes that the object's tree is another than before, for what is not a field. The caller has a `ChangeScope` open.
   void Touch() noexcept;
   /// Tells the outside that the object changed. Called with the object locked.
-  virtual void PublishChanged() {}
+  virtual void PublishChanged() noexcept {}
   /// Forgets a change that the open scope has not published yet, since the object was just told whole. The object is locked.
   void ClearTouchedLocked() noexcept { touched_ = false; }
 
@@ -98,7 +101,7 @@ class BaseXObject : public BaseType, public std::enable_shared_from_this<BaseXOb
   void SetIdentityLocked(std::string_view name, std::string text);
   void CallPreChangeLocked(std::string_view name, const ogm::Value& value);
   void CallPostChangeLocked(std::string_view name);
-  void Commit(const ogm::Object& fields);
+  void Commit(const ogm::Object& fields, const std::vector<std::string>& removed);
 
   std::atomic<std::uint64_t> version_{1};  // raised with the object locked
 

@@ -48,6 +48,10 @@ class Container {
     ara::rest::Uuid uuid;
 
     std::string_view Key() const noexcept { return std::string_view{path}.substr(path.rfind('/') + 1); }
+    /// Whether the last segment is this text, or else this identifier in other letters.
+    bool Names(const ara::rest::Uuid& id, std::string_view text) const noexcept {
+      return Key() == text || ara::rest::Uuid::Parse(Key()) == id;
+    }
   };
   /// The objects at one instant, and the number of that instant.
   struct List {
@@ -56,10 +60,11 @@ class Container {
     std::vector<Label> labels;  // as the items
     std::unordered_map<ara::rest::Uuid, std::size_t> byUuid;
 
+    /// By the last segment of the URI. An identifier may be written in capitals.
     std::shared_ptr<T> Find(std::string_view key) const {
       if (const auto uuid = ara::rest::Uuid::Parse(key)) {
         const auto found = byUuid.find(*uuid);
-        if (found != byUuid.end() && labels[found->second].Key() == key) return (*items)[found->second];
+        if (found != byUuid.end() && labels[found->second].Names(*uuid, key)) return (*items)[found->second];
       }
       for (std::size_t i = 0; i != labels.size(); ++i) {
         if (labels[i].Key() == key) return (*items)[i];
@@ -74,6 +79,7 @@ class Container {
     return *seen_;
   }
 
+  /// The framework does not call it.
   std::size_t GetSize() const { return GetList()->items->size(); }
   /// Null if there is none; the first one added if several have the same identifier.
   std::shared_ptr<T> FindByUuid(const ara::rest::Uuid& uuid) const {
@@ -81,6 +87,7 @@ class Container {
     const auto found = list->byUuid.find(uuid);
     return found == list->byUuid.end() ? nullptr : (*list->items)[found->second];
   }
+  /// Null if there is none. The framework does not call it.
   std::shared_ptr<T> FindByUri(const ara::rest::Uri& uri) const {
     const auto list = GetList();
     for (std::size_t i = 0; i != list->labels.size(); ++i) {
@@ -103,9 +110,11 @@ class Container {
     return list_;
   }
   /// Adds the object and runs the step before anybody can see another change. False, and nothing done, if it is there already. Throws
-  /// `InvalidArgumentException` if the pointer is null or another object has the last segment.
+  /// `InvalidArgumentException` if the pointer is null or another object has the last segment; the step does not throw, so that list and
+  /// objects agree whatever happens.
   template <class Step>
   bool Insert(const std::shared_ptr<T>& object, Step&& step) {
+    static_assert(noexcept(step()));
     if (!object) throw ara::rest::InvalidArgumentException{"ptr is null"};
     Label label{object->GetUri().ToString(), object->GetUuid()};
     const std::lock_guard lock{listMutex_};
@@ -118,22 +127,23 @@ class Container {
     items.push_back(object);
     labels.push_back(std::move(label));
     ReplaceLocked(std::move(items), std::move(labels));
-    step(list_->labels.back().path);
+    step();
     return true;
   }
   /// Takes the object out and runs the step with the path that it had. False if it isn't there.
   template <class Step>
   bool Erase(const std::shared_ptr<T>& object, Step&& step) {
+    static_assert(noexcept(step(std::string{})));
     const std::lock_guard lock{listMutex_};
     auto items = *list_->items;
     auto labels = list_->labels;
     for (std::size_t i = 0; i != items.size(); ++i) {
       if (items[i] != object) continue;
-      const auto path = std::move(labels[i].path);
+      auto path = std::move(labels[i].path);
       items.erase(items.begin() + static_cast<std::ptrdiff_t>(i));
       labels.erase(labels.begin() + static_cast<std::ptrdiff_t>(i));
       ReplaceLocked(std::move(items), std::move(labels));
-      step(path);
+      step(std::move(path));
       return true;
     }
     return false;

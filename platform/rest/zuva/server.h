@@ -43,11 +43,13 @@ class Server : public XObjectEndpoint, public Container<ServerService> {
   /// Where changes are told; for the frontend, before any service is added.
   void SetChangeSink(std::shared_ptr<ChangeSink> sink) { sink_ = std::move(sink); }
 
+  // The framework calls none of the three.
   virtual std::shared_ptr<BaseXObject> FindByNameRecursive(const std::string& name) const;
   virtual std::shared_ptr<BaseXObject> FindByUuidRecursive(const std::string& uuid) const;
   virtual std::shared_ptr<BaseXObject> FindByUriRecursive(const std::string& uri) const;
 
-  /// Walks the path. The destination's `matches` are views into it. Any thread.
+  /// Walks the path, whose percent-encoded unreserved characters count as themselves. The destination's `matches` are views into it as
+  /// it was given. Any thread.
   Destination Find(std::string_view path) { return Walk(path, Reader::any); }
   /// The same without a lock unless a list changed. I/O thread only.
   Destination FindOnIo(std::string_view path) { return Walk(path, Reader::ioThread); }

@@ -59,7 +59,7 @@ void ServerElement::KeepEmbedded(std::string property, std::shared_ptr<ServerEle
   }
 }
 
-void ServerElement::PublishChanged() {
+void ServerElement::PublishChanged() noexcept {
   const auto resource = resource_.lock();
   const auto self = weak_from_this().lock();
   if (resource && self) resource->TellChanged(std::static_pointer_cast<ServerElement>(self));

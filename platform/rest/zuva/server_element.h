@@ -24,6 +24,7 @@ class ServerElement : public XObjectEndpoint {
   void OnPost(const Request& request, ServerReply& reply, const ara::rest::Matches& matches) override;
   void OnQuery(const Query& query, ServerReply& reply) override;
   void OnUpdate(const ogm::Object& object, ServerReply& reply) override;
+  /// The framework does not call it.
   virtual void OnDeleteFields(const ara::rest::Uri& uri, ServerReply& reply);
   std::string_view AllowedMethods() const override;
 
@@ -38,7 +39,7 @@ class ServerElement : public XObjectEndpoint {
   const std::vector<Embedded>& GetEmbedded() const noexcept { return embedded_; }
   /// Keeps an embedded object under its property; the last one given counts.
   void KeepEmbedded(std::string property, std::shared_ptr<ServerElement> object);
-  void PublishChanged() override;
+  void PublishChanged() noexcept override;
 
  private:
   friend class ServerResource;

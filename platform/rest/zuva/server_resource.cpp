@@ -21,14 +21,16 @@ void ServerResource::Add(const std::shared_ptr<ServerElement>& element) {
   const auto lock = element->Lock();
   std::shared_ptr<const ogm::Object> tree;
   std::string text;
+  std::string path;
   if (sink) {
     tree = element->ToOGM();
     text = ara::rest::serialize::ToText(*tree);
+    path = element->GetUri().ToString();
   }
-  Insert(element, [&](const std::string& path) {
+  Insert(element, [&]() noexcept {
     element->resource_ = self;
     element->ClearTouchedLocked();
-    if (sink) sink->Added(self, element, path, std::move(tree), std::move(text));
+    if (sink) sink->Added(self, element, std::move(path), std::move(tree), std::move(text));
   });
 }
 
@@ -38,9 +40,9 @@ bool ServerResource::Remove(const ara::rest::Uuid& uuid) {
   const auto sink = GetChangeSink();
   const auto self = Self();
   const auto lock = element->Lock();
-  return Erase(element, [&](const std::string& path) {
+  return Erase(element, [&](std::string&& path) noexcept {
     if (element->resource_.lock() == self) element->resource_.reset();
-    if (sink) sink->Removed(self, element, path);
+    if (sink) sink->Removed(self, element, std::move(path));
   });
 }
 
@@ -120,11 +122,11 @@ std::shared_ptr<ChangeSink> ServerResource::GetChangeSink() const {
   return sink_;
 }
 
-std::shared_ptr<ServerResource> ServerResource::Self() {
+std::shared_ptr<ServerResource> ServerResource::Self() noexcept {
   return std::static_pointer_cast<ServerResource>(weak_from_this().lock());
 }
 
-void ServerResource::TellChanged(const std::shared_ptr<ServerElement>& element) {
+void ServerResource::TellChanged(const std::shared_ptr<ServerElement>& element) noexcept {
   if (const auto sink = GetChangeSink()) sink->Changed(Self(), element);
 }
 

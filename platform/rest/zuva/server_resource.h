@@ -27,11 +27,14 @@ class ServerResource : public XObjectEndpoint, public Container<ServerElement> {
   /// The elements in insertion order, at this instant.
   ElementList GetElements() const { return ElementList{GetList()->items}; }
   void SetDescription(const std::string& description);
+  /// The framework does not call it: the identity has the field itself.
   virtual std::string GetDescription() const;
 
+  // The framework calls none of the three.
   virtual std::shared_ptr<BaseXObject> FindByNameRecursive(const std::string& name) const;
   virtual std::shared_ptr<BaseXObject> FindByUuidRecursive(const std::string& uuid) const;
   virtual std::shared_ptr<BaseXObject> FindByUriRecursive(const std::string& uri) const;
+  /// The framework calls neither of the two: a POST to a resource is not offered.
   virtual void OnPostQuery(const ara::rest::Uri& uri, const ogm::Object& object, ServerReply& reply);
   virtual std::shared_ptr<ServerElement> MakeElement(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri, std::string name) = 0;
 
@@ -50,8 +53,8 @@ class ServerResource : public XObjectEndpoint, public Container<ServerElement> {
 
   void SetChangeSink(std::shared_ptr<ChangeSink> sink);
   std::shared_ptr<ChangeSink> GetChangeSink() const;
-  std::shared_ptr<ServerResource> Self();
-  void TellChanged(const std::shared_ptr<ServerElement>& element);
+  std::shared_ptr<ServerResource> Self() noexcept;
+  void TellChanged(const std::shared_ptr<ServerElement>& element) noexcept;
 
   mutable std::mutex sinkMutex_;  // guards sink_; nothing is called under it
   std::shared_ptr<ChangeSink> sink_;

@@ -1,9 +1,11 @@
 #include "zuva/server_service.h"
 
+#include <exception>
 #include <utility>
 
 #include "zuva/find_below.h"
 #include "zuva/frontend.h"
+#include "zuva/logger.h"
 
 namespace zuva {
 
@@ -14,14 +16,14 @@ ServerService::ServerService(const ara::rest::Uuid& uuid, const ara::rest::Uri& 
 }
 
 void ServerService::Add(const std::shared_ptr<ServerResource>& resource) {
-  Insert(resource, [](const std::string&) {});
+  Insert(resource, []() noexcept {});
   const std::lock_guard lock{attachMutex_};
   resource->SetChangeSink(sink_);
 }
 
 bool ServerService::Remove(const ara::rest::Uuid& uuid) {
   const auto resource = FindByUuid(uuid);
-  if (!resource || !Erase(resource, [](const std::string&) {})) return false;
+  if (!resource || !Erase(resource, [](std::string&&) noexcept {})) return false;
   resource->SetChangeSink(nullptr);
   return true;
 }
@@ -43,11 +45,7 @@ std::vector<std::string> ServerService::GetVersions() const {
 std::shared_ptr<ServerService> ServerService::Register(const UriList& uris) {
   const std::lock_guard lock{registryMutex_};
   MarkAnnounced();
-  if (const auto frontend = GetFrontend()) {
-    std::vector<std::string> texts;
-    for (const auto& uri : uris) texts.push_back(uri.ToString());
-    frontend->Announce(*this, std::move(texts));
-  }
+  AnnounceLocked(&uris);
   return Self();
 }
 
@@ -56,22 +54,36 @@ void ServerService::Deregister() {
   WithdrawLocked();
 }
 
-void ServerService::FinishAnnouncing() {
+void ServerService::FinishAnnouncing() noexcept {
   const std::lock_guard lock{registryMutex_};
-  if (!IsAnnounced()) return;  // withdrawn meanwhile
-  if (const auto frontend = GetFrontend()) frontend->Announce(*this, {});
+  if (IsAnnounced()) AnnounceLocked(nullptr);  // else withdrawn meanwhile
 }
 
-void ServerService::Detach() {
+void ServerService::Detach() noexcept {
   const std::lock_guard lock{registryMutex_};
   WithdrawLocked();
   const std::lock_guard attachLock{attachMutex_};
   frontend_.reset();
 }
 
-void ServerService::WithdrawLocked() {
+// What the two throw is want of memory: the registry misses a change, and nothing else.
+void ServerService::AnnounceLocked(const UriList* uris) noexcept {
+  try {
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; uris && i != uris->size(); ++i) texts.push_back((*uris)[i].ToString());
+    if (const auto frontend = GetFrontend()) frontend->Announce(*this, std::move(texts));
+  } catch (const std::exception& error) {
+    GetLogger().LogWarn() << "A service could not be announced: " << error;
+  }
+}
+
+void ServerService::WithdrawLocked() noexcept {
   if (!announced_.exchange(false)) return;
-  if (const auto frontend = GetFrontend()) frontend->Withdraw(*this);
+  try {
+    if (const auto frontend = GetFrontend()) frontend->Withdraw(*this);
+  } catch (const std::exception& error) {
+    GetLogger().LogWarn() << "A service could not be withdrawn: " << error;
+  }
 }
 
 std::string ServerService::GetDescription() const {

@@ -34,13 +34,15 @@ class ServerService : public XObjectEndpoint, public Container<ServerResource> {
   void Deregister();
   bool IsAnnounced() const noexcept { return announced_.load(std::memory_order_acquire); }
 
+  /// The announcement asks for this and the versions; the framework calls none of the four between.
   virtual std::string GetDescription() const;
   /// 0: the port is the server's matter.
   virtual unsigned short GetPort() const { return 0; }
   virtual std::vector<std::string> GetServiceCategories() const { return {}; }
   virtual std::vector<std::string> GetPrivileges() const { return {}; }
-  virtual std::vector<std::string> GetVersions() const;
   virtual bool IsLocal() const { return true; }
+  virtual std::vector<std::string> GetVersions() const;
+  // The framework calls none of the three.
   virtual std::shared_ptr<BaseXObject> FindByNameRecursive(const std::string& name) const;
   virtual std::shared_ptr<BaseXObject> FindByUuidRecursive(const std::string& uuid) const;
   virtual std::shared_ptr<BaseXObject> FindByUriRecursive(const std::string& uri) const;
@@ -56,10 +58,11 @@ class ServerService : public XObjectEndpoint, public Container<ServerResource> {
   std::shared_ptr<ServerService> Self();
   /// The two halves of the announcement at the server's start, the first at once, the second off the caller's thread.
   void MarkAnnounced() noexcept { announced_.store(true, std::memory_order_release); }
-  void FinishAnnouncing();
+  void FinishAnnouncing() noexcept;
   /// Deregisters for good: later announcements stay in this process.
-  void Detach();
-  void WithdrawLocked();
+  void Detach() noexcept;
+  void AnnounceLocked(const UriList* uris) noexcept;
+  void WithdrawLocked() noexcept;
   std::shared_ptr<Frontend> GetFrontend() const;
 
   mutable std::mutex attachMutex_;  // guards the two members below

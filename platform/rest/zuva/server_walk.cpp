@@ -1,5 +1,8 @@
 // The server as the root of the tree; what starts and stops it stands in server.cpp.
+#include <charconv>
 #include <exception>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "zuva/find_below.h"
@@ -7,9 +10,32 @@
 #include "zuva/server.h"
 
 namespace zuva {
+namespace {
+
+constexpr std::string_view kUnreserved = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+
+/// With each percent-encoded unreserved character decoded (RFC 3986 section 6.2.2.2). All other escapes, "%2F" among them, stay.
+std::string Normalized(std::string_view segment) {
+  std::string text;
+  for (std::size_t i = 0; i != segment.size(); ++i) {
+    unsigned code = 0;
+    const char* const digits = segment.data() + i + 1;
+    const bool isEscape = segment[i] == '%' && segment.size() - i > 2 && std::from_chars(digits, digits + 2, code, 16).ptr == digits + 2;
+    const auto character = static_cast<char>(code);
+    if (isEscape && kUnreserved.find(character) != std::string_view::npos) {
+      text += character;
+      i += 2;
+    } else {
+      text += segment[i];
+    }
+  }
+  return text;
+}
+
+}  // namespace
 
 void Server::Add(const std::shared_ptr<ServerService>& service) {
-  Insert(service, [](const std::string&) {});
+  Insert(service, []() noexcept {});
   service->Attach(sink_, frontend_);  // again for one that is there: its resources may be more by now
 }
 
@@ -27,6 +53,11 @@ std::shared_ptr<BaseXObject> Server::FindByUriRecursive(const std::string& uri) 
 
 Server::Destination Server::Walk(std::string_view path, Reader reader) {
   const auto find = [reader](const auto& container, std::string_view segment) {
+    std::string normalized;
+    if (segment.find('%') != std::string_view::npos) {
+      normalized = Normalized(segment);
+      segment = normalized;
+    }
     return reader == Reader::ioThread ? container.FindBySegmentOnIo(segment) : container.FindBySegment(segment);
   };
   const auto matches = ara::rest::Matches::Split(path);

@@ -1,5 +1,6 @@
 #include "zuva/transaction.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -19,14 +20,21 @@ bool Transaction::HasField(std::string_view name) const {
   return fields_.HasField(name);
 }
 
-void Transaction::RemoveField(std::string_view name) {
+bool Transaction::Decides(std::string_view name) const {
   const std::lock_guard lock{mutex_};
-  fields_.Remove(name);
+  return fields_.HasField(name) || IsRemovedLocked(name);
+}
+
+bool Transaction::RemoveField(std::string_view name) {
+  const std::lock_guard lock{mutex_};
+  const bool isStored = FindStoredLocked(name) != nullptr;
+  if (isStored) removed_.emplace_back(name);
+  return fields_.Remove(name) || isStored;
 }
 
 bool Transaction::AddFieldNode(std::string_view name, ara::rest::Pointer<ogm::Value> initial) {
   const std::lock_guard lock{mutex_};
-  if (fields_.HasField(name) || object_.fields_.HasField(name)) return false;
+  if (fields_.HasField(name) || FindStoredLocked(name)) return false;
   fields_.Append(std::string{name}, std::move(initial));
   return true;
 }
@@ -34,7 +42,7 @@ bool Transaction::AddFieldNode(std::string_view name, ara::rest::Pointer<ogm::Va
 bool Transaction::SetFieldNode(std::string_view name, ara::rest::Pointer<ogm::Value> value) {
   const std::lock_guard lock{mutex_};
   if (!fields_.HasField(name)) {
-    const auto* const stored = object_.fields_.Find(name);
+    const auto* const stored = FindStoredLocked(name);
     fields_.Append(stored ? stored->Clone() : ara::rest::MakePointer<ogm::Field>(std::string{name}));
   }
   auto& field = *fields_.Find(name);
@@ -48,7 +56,15 @@ void Transaction::Commit() {
     const std::lock_guard lock{mutex_};
     if (!std::exchange(active_, false)) return;
   }
-  object_.Commit(fields_);  // inactive from here on, so nobody else changes the fields
+  object_.Commit(fields_, removed_);  // inactive from here on, so nobody else changes the fields
+}
+
+bool Transaction::IsRemovedLocked(std::string_view name) const {
+  return std::find(removed_.begin(), removed_.end(), name) != removed_.end();
+}
+
+const ogm::Field* Transaction::FindStoredLocked(std::string_view name) const {
+  return IsRemovedLocked(name) ? nullptr : object_.fields_.Find(name);
 }
 
 bool Transaction::IsActive() const {

@@ -20,21 +20,30 @@ class XObjectEndpoint : public ServerXObject {
 
   using ServerXObject::ServerXObject;
 
-  /// The paths that this object and those below it answer.
+  /// The paths that this object and those below it answer. The framework does not call it: the walk finds them.
   virtual ara::rest::Router GetRoutes() const;
+  /// Takes those paths out. The framework does not call it.
   virtual void ClearRouting(ara::rest::Router& router) const;
-  /// The same number for the same query, whatever the order of its parts.
+  /// The same number for the same query, whatever the order of its parts. The framework does not call it.
   virtual std::size_t GetQueryHash(const ara::rest::Uri& uri) const;
+
+  // One for each method of HTTP. `Server::Dispatch` calls them.
   virtual void OnPost(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
   virtual void OnPut(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
   virtual void OnDelete(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
   virtual void OnGet(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
   virtual void OnHead(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
-  virtual void OnWs(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
   virtual void OnUnknownMethod(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+  /// The framework does not call it: a WebSocket is taken at the service, and its messages come by the operations above.
+  virtual void OnWs(const Request& request, ServerReply& reply, const ara::rest::Matches& matches);
+
+  /// `OnGet` calls it for what is neither identity nor specification.
   virtual void OnQuery(const Query& query, ServerReply& reply);
+  /// The framework does not call it: a WebSocket's query comes by `OnGet`.
   virtual void OnWsQuery(const Query& query, ServerReply& reply);
+  /// `ServerElement::OnPost` calls it once the pre-update callback has accepted.
   virtual void OnUpdate(const ogm::Object& object, ServerReply& reply);
+  // `OnGet` calls these four.
   virtual void OnIdentity(ServerReply& reply);
   virtual void OnSpecification(ServerReply& reply);
   virtual bool IsIdentity(const Query& query, const ara::rest::Matches& matches) const;

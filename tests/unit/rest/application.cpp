@@ -16,11 +16,11 @@ Told told{};  // by the test's own thread alone
 class CountingSink : public zuva::ChangeSink {
  public:
   void Added(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string,
-             std::shared_ptr<const zuva::ogm::Object>, std::string) override {
+             std::shared_ptr<const zuva::ogm::Object>, std::string) noexcept override {
     ++told[0];
   }
-  void Changed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&) override { ++told[1]; }
-  void Removed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string) override {
+  void Changed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&) noexcept override { ++told[1]; }
+  void Removed(const std::shared_ptr<zuva::ServerResource>&, const std::shared_ptr<zuva::ServerElement>&, std::string) noexcept override {
     ++told[2];
   }
 };
@@ -30,9 +30,9 @@ class RecordingFrontend : public zuva::Frontend {
   void Start() override { TheOutside().Note("serve"); }
   void Stop() override { TheOutside().Note("stop"); }
   void Announce(zuva::ServerService& service, std::vector<std::string> uris) override {
-    for (const auto& uri : uris) TheOutside().Note("announce " + service.GetName() + " at " + uri, true);
+    for (const auto& uri : uris) TheOutside().Note("announce " + service.GetName() + " at " + uri);
   }
-  void Withdraw(zuva::ServerService& service) override { TheOutside().Note("withdraw " + service.GetName(), true); }
+  void Withdraw(zuva::ServerService& service) override { TheOutside().Note("withdraw " + service.GetName()); }
 };
 
 std::string Text(const trov::Word& word) {
@@ -41,16 +41,9 @@ std::string Text(const trov::Word& word) {
 
 }  // namespace
 
-void Outside::Note(std::string line, bool throughGate) {
-  std::unique_lock lock{mutex_};
-  if (throughGate) opened_.wait(lock, [this] { return open_; });
-  lines_.push_back(std::move(line));
-}
-
-void Outside::SetGate(bool open) {
+void Outside::Note(std::string line) {
   const std::lock_guard lock{mutex_};
-  open_ = open;
-  opened_.notify_all();
+  lines_.push_back(std::move(line));
 }
 
 void Outside::Clear() {

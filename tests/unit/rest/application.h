@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -16,18 +15,15 @@
 
 namespace rest_test {
 
-/// What the application asked of the registry and of the sockets, in order; an announcement or withdrawal waits while the gate is closed.
+/// What the application asked of the registry and of the sockets, in order.
 class Outside {
  public:
-  void Note(std::string line, bool throughGate = false);
-  void SetGate(bool open);
+  void Note(std::string line);
   void Clear();
   std::vector<std::string> Lines() const;
 
  private:
-  mutable std::mutex mutex_;  // guards the members below
-  std::condition_variable opened_;
-  bool open_ = true;
+  mutable std::mutex mutex_;  // guards lines_
   std::vector<std::string> lines_;
 };
 Outside& TheOutside();

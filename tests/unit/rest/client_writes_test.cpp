@@ -72,6 +72,19 @@ INSTANTIATE_TEST_SUITE_P(Failures, SetStatus,
                                                    "[Zuva][Zuva -> Someip] Set Status Case unknown. Returning false."}),
                          [](const auto& row) { return row.param.name; });
 
+TEST(ClientWritesUnchecked, ANumberThatTheVehiclesTypeCannotHoldIsRefusedWhereItIsNarrowed) {
+  Application unchecked;
+  unchecked.PopulateServer();
+  for (const auto& control : unchecked.Server().GetChargingManagementCoreValueControls()->GetValueControlObjects()) {
+    control->SetPreUpdateCallback([](const auto&, const auto&, auto&) { return true; });  // in place of the object's own check
+  }
+  unchecked.RegisterPreUpdateCallBacks();
+  const auto post = [&](const char* body) { return unchecked.PostTo("valueControls", "immediateChargingOptionsTargetSoc", body); };
+  EXPECT_EQ(post(R"({"currentValue":4294967376})"), kNotInRange) << "its low half is 80";
+  EXPECT_EQ(post(R"({"currentValue":-1,"specialState":"off"})"), kNotInRange);
+  EXPECT_THAT(unchecked.mediator->asked, testing::IsEmpty());
+}
+
 TEST_F(ClientWrites, WithoutMediatorTheSetHasFailed) {
   ShowPopup();
   application->SetCommunicationsManager(nullptr);

@@ -67,6 +67,7 @@ TEST(EmbeddedObject, IsShownAsItIsAtThatMoment) {
   EXPECT_FALSE(TreeOf(*marker).contains("notificationRangeValue"));
   marker->RemoveField("notificationSocValue");
   EXPECT_FALSE(TreeOf(*marker).contains("notificationSocValue")) << "without the field the object is not shown";
+  EXPECT_THROW(marker->Embed("notificationSocValue", nullptr), ara::rest::InvalidArgumentException);
 }
 
 TEST(ResetObjectDate, DecidesWhatTheFieldShows) {

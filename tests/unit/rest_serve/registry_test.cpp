@@ -1,6 +1,7 @@
 #include <atomic>
 #include <chrono>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,6 +14,8 @@
 #include <boost/asio/write.hpp>
 
 #include "serve/config.h"
+#include "serve/name_lookup.h"
+#include "serve/registry_client.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
@@ -36,7 +39,7 @@ class Registry {
   Registry(const Registry&) = delete;
   Registry& operator=(const Registry&) = delete;
 
-  std::string Url() const { return "http://127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port()) + "/services/"; }
+  std::string Url() const { return "http://localhost:" + std::to_string(acceptor_.local_endpoint().port()) + "/services/"; }
   bool WaitForRequests(std::size_t count) {
     return WaitFor([&] { return Requests().size() >= count; });
   }
@@ -114,7 +117,45 @@ TEST(Registry, IsToldOfServicesAsTheyComeAndGo) {
   tree.server->Stop(true);
   ASSERT_TRUE(registry.WaitForRequests(4));
   EXPECT_TRUE(registry.Requests()[3].starts_with("DELETE "));
-  EXPECT_TRUE(tree.capture.Lines().empty() || tree.capture.Lines().back().find("registry") == std::string::npos);
+  EXPECT_EQ(service->Register(uris), service);
+  service->Deregister();
+  EXPECT_EQ(registry.Requests().size(), 4U) << "too late for the registry";
+  EXPECT_FALSE(tree.Logged("The registry did not take"));
+}
+
+// A resolver that hangs, until the test ends it.
+class HangingNames : public testing::Test {
+ protected:
+  using Clock = NameLookup::Clock;
+
+  test::Gate gate;
+  std::atomic<unsigned> searches{0};
+  NameLookup names{[this](const std::string&, std::uint16_t port) {
+    ++searches;
+    gate.Pass();
+    return NameLookup::Endpoints{{boost::asio::ip::address_v4::loopback(), port}};
+  }};
+};
+
+TEST_F(HangingNames, AreSearchedOnceAtATimeAndEachCallerLeavesAtHisOwnDeadline) {
+  for (int i = 0; i < 3; ++i) EXPECT_THROW(names.Find("slow", 80, Clock::now() + std::chrono::milliseconds{20}), std::runtime_error);
+  EXPECT_EQ(searches, 1U);
+  gate.Open();
+  EXPECT_EQ(names.Find("slow", 81, Clock::now() + test_support::kPatience).at(0).port(), 81);
+  EXPECT_EQ(searches, 2U);
+}
+
+TEST_F(HangingNames, CostAStopTwoSecondsInAll) {
+  const ara::log::testing::Capture capture;
+  RegistryClient client{{.authority = "slow", .host = "slow", .port = 80, .path = ""}, names};
+  client.BeginStop();
+  const auto begin = Clock::now();
+  client.Withdraw("S");
+  client.Withdraw("T");
+  EXPECT_LT(Clock::now() - begin, std::chrono::seconds{3});
+  EXPECT_THAT(capture.Lines(), testing::ElementsAre(testing::HasSubstr("its name is not resolved in time"),
+                                                    testing::HasSubstr("its name is not resolved in time")));
+  gate.Open();
 }
 
 struct Trouble {

@@ -8,10 +8,6 @@
 namespace zuva::serve::test {
 namespace {
 
-ara::rest::Uri UriOf(const std::string& text) {
-  return ara::rest::Uri::Builder{text, ara::rest::GetDefaultAllocator()}.ToUri();
-}
-
 class TestService final : public ServerService {
  public:
   TestService() : ServerService{ara::rest::Uuid{}, UriOf("/S"), "S"} {}
@@ -24,16 +20,36 @@ class TestServer final : public Server {
 
 }  // namespace
 
+ara::rest::Uri UriOf(const std::string& text) {
+  return ara::rest::Uri::Builder{text, ara::rest::GetDefaultAllocator()}.ToUri();
+}
+
+void Thing::Embed(const std::string& property, const std::shared_ptr<Thing>& object) {
+  KeepEmbedded(property, object);
+  SetFieldValue<ogm::Field, ogm::Object>(property, object->ToOGM());
+}
+
+ara::rest::Pointer<ogm::Object> Thing::ToOGM() const {
+  auto tree = ServerElement::ToOGM();
+  for (const auto& [property, object] : GetEmbedded()) ogm::Get<ogm::Field>(*tree, property).SetValue(object->ToOGM());
+  return tree;
+}
+
 Things::Things(const std::string& path) : ServerResource{ara::rest::Uuid::MakeV5(path), UriOf(path), path.substr(path.rfind('/') + 1)} {}
 
 std::shared_ptr<ServerElement> Things::MakeElement(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri, std::string name) {
   return std::make_shared<Thing>(uuid, uri, std::move(name));
 }
 
-std::shared_ptr<Thing> Things::AddThing(const std::string& type) {
+std::shared_ptr<Thing> Things::MakeThing(const std::string& type) const {
   const auto uuid = ara::rest::Uuid::MakeV4();
-  const auto thing = std::make_shared<Thing>(uuid, UriOf(GetUri().ToString() + "/" + uuid.ToString()), type);
+  auto thing = std::make_shared<Thing>(uuid, UriOf(GetUri().ToString() + "/" + uuid.ToString()), type);
   thing->Set("type", type);
+  return thing;
+}
+
+std::shared_ptr<Thing> Things::AddThing(const std::string& type) {
+  auto thing = MakeThing(type);
   Add(thing);
   return thing;
 }

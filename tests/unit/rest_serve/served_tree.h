@@ -25,9 +25,14 @@ using test_support::HttpClient;
 using test_support::WaitFor;
 using test_support::WsClient;
 
+ara::rest::Uri UriOf(const std::string& text);
+
+/// An element that may embed others, as the application's composites do.
 class Thing final : public ServerElement {
  public:
   using ServerElement::ServerElement;
+  void Embed(const std::string& property, const std::shared_ptr<Thing>& object);
+  ara::rest::Pointer<ogm::Object> ToOGM() const override;
   void Set(std::string_view field, std::string value) { SetFieldValue<ogm::String>(field, std::move(value)); }
   std::string Path() const { return GetUri().ToString(); }
 };
@@ -36,7 +41,8 @@ class Things final : public ServerResource {
  public:
   explicit Things(const std::string& path);
   std::shared_ptr<ServerElement> MakeElement(const ara::rest::Uuid& uuid, const ara::rest::Uri& uri, std::string name) override;
-  /// Adds an element of this type.
+  /// Makes an element of this type, to be added or not.
+  std::shared_ptr<Thing> MakeThing(const std::string& type) const;
   std::shared_ptr<Thing> AddThing(const std::string& type);
 };
 

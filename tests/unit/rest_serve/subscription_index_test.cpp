@@ -1,11 +1,16 @@
 #include "serve/subscription_index.h"
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/failing_new.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
@@ -17,27 +22,48 @@ using test::Thing;
 class Client final : public Subscriber {
  public:
   explicit Client(SubscriptionIndex& index) : index_{index} {}
-  ~Client() override {
-    for (const auto& subscription : subscriptions_) index_.End(*subscription);
-  }
 
   Outbox& GetOutbox() override { return outbox_; }
-  void Flush() override { ++flushes; }
+  void Flush() override {
+    ++flushes;
+    if (cannotFlush) throw std::bad_alloc{};
+  }
   void OnLost() override { lost = true; }
 
   void Subscribe(Server& server, const std::string& path) {
     auto target = ParseTarget(path);
     subscriptions_.push_back(index_.Subscribe(*this, "7", server.Find(target->path), target->query, path));
   }
-  void Unsubscribe() {
-    index_.End(*subscriptions_.back());
-    subscriptions_.pop_back();
+  void Unsubscribe() { subscriptions_.pop_back(); }
+  /// The socket takes all that waits.
+  void Send() {
+    while (auto frame = outbox_.Pop(SubscriptionIndex::Render)) {
+      const test_support::UnfailingNew pause;
+      sent_.push_back(std::move(*frame));
+    }
+  }
+  std::vector<nlohmann::json> Messages() {
+    Send();
+    std::vector<nlohmann::json> messages;
+    for (const auto& frame : std::exchange(sent_, {})) {
+      messages.push_back(nlohmann::json::parse((frame.prefix ? *frame.prefix : "") + *frame.tail));
+    }
+    return messages;
+  }
+  /// What the client believes after all that was sent, by path.
+  std::map<std::string, nlohmann::json> View() {
+    for (const auto& message : Messages()) {
+      const auto& data = message.value("data", nlohmann::json{});
+      if (message["event"] == "removed") view_.erase(message["path"].get<std::string>());
+      if (data.is_object()) view_[message["path"]] = data;
+      for (const auto& element : data.is_array() ? data : nlohmann::json::array()) view_[element["uri"]] = element;
+    }
+    return view_;
   }
   /// What was sent since, as "event path visible-text".
   std::vector<std::string> Take() {
     std::vector<std::string> lines;
-    while (const auto frame = outbox_.Pop(SubscriptionIndex::Render)) {
-      const auto message = nlohmann::json::parse((frame->prefix ? *frame->prefix : "") + *frame->tail);
+    for (const auto& message : Messages()) {
       EXPECT_EQ(message["subscriptionId"], "7");
       lines.push_back(message.value("event", "") + " " + message.value("path", "") + Shown(message));
     }
@@ -45,7 +71,7 @@ class Client final : public Subscriber {
   }
 
   int flushes = 0;
-  bool lost = false;
+  bool cannotFlush = false, lost = false;
 
  private:
   static std::string Shown(const nlohmann::json& message) {
@@ -57,6 +83,8 @@ class Client final : public Subscriber {
 
   SubscriptionIndex& index_;
   Outbox outbox_;
+  std::vector<Frame> sent_;
+  std::map<std::string, nlohmann::json> view_;
   std::vector<std::unique_ptr<Subscription>> subscriptions_;
 };
 
@@ -65,10 +93,14 @@ using Lines = std::vector<std::string>;
 class SubscriptionIndexTest : public testing::Test {
  protected:
   SubscriptionIndexTest() {
-    queue->Open([this] { ++wakes; });
+    queue->Open([this] {
+      if (cannotWake) throw std::bad_alloc{};
+      ++wakes;
+    });
   }
   ~SubscriptionIndexTest() override { queue->Close(); }
 
+  bool cannotWake = false;
   int wakes = 0;
   std::shared_ptr<ChangeQueue> queue = std::make_shared<ChangeQueue>();
   test::TestTree tree{nlohmann::json::object(), queue};
@@ -211,6 +243,76 @@ TEST_F(SubscriptionIndexTest, AFullQueueTellsItsSubscribersThatTheyMissSomething
   EXPECT_FALSE(client.lost);
   index.Drain();
   EXPECT_TRUE(client.lost);
+}
+
+TEST_F(SubscriptionIndexTest, AWakeUpThatFailsIsTriedAgainWithTheNextChange) {
+  const auto a = tree.things->AddThing("a");
+  const auto b = tree.things->AddThing("b");
+  client.Subscribe(*tree.server, "/S/things");
+  cannotWake = true;
+  a->Set("text", "1");
+  cannotWake = false;
+  b->Set("text", "1");
+  EXPECT_EQ(wakes, 1);
+}
+
+TEST_F(SubscriptionIndexTest, AClientThatCannotSendIsEndedAndTheOthersGoOn) {
+  const auto a = tree.things->AddThing("a");
+  Client broken{index};
+  broken.cannotFlush = true;
+  broken.Subscribe(*tree.server, "/S/things");
+  client.Subscribe(*tree.server, "/S/things");
+  a->Set("text", "1");
+  index.Drain();
+  EXPECT_TRUE(broken.lost);
+  EXPECT_FALSE(client.lost);
+  EXPECT_EQ(client.flushes, 1);
+}
+
+// Whatever allocation fails, each client ends up with the truth, or hears that it missed something and asks anew.
+TEST(WithoutMemory, TheClientsViewStillBecomesTheTree) {
+  bool failed = true;
+  for (unsigned n = 1; failed; ++n) {
+    const auto queue = std::make_shared<ChangeQueue>();
+    test::TestTree tree{nlohmann::json::object(), queue};
+    SubscriptionIndex index{*queue};
+    queue->Open([] { std::make_unique<int>(); });
+    const auto a = tree.things->AddThing("a");
+    const auto b = tree.things->AddThing("b");
+    Client all{index};
+    Client some{index};
+    all.Subscribe(*tree.server, "/S/things");
+    some.Subscribe(*tree.server, "/S/things?state=on");
+    all.View();
+    some.View();
+    const std::function<void()> steps[]{
+        [&] { a->Set("text", "1"), b->Set("state", "on"); },
+        [&] { tree.things->AddThing("c"); },
+        [&] { Client{index}.Subscribe(*tree.server, "/S"); },
+        [&] { index.Drain(); },
+        [&] { a->Set("state", "on"), tree.things->Remove(b->GetUuid()); },
+        [&] { index.Drain(); },
+        [&] { all.Send(); },
+        [&] { some.Send(); },
+    };
+    {
+      const test_support::FailingNew failing{n};
+      for (const auto& step : steps) {
+        try {
+          step();
+        } catch (const std::exception&) {  // bad_alloc, or a null pointer of the tree's own allocator
+        }
+      }
+    }
+    failed = test_support::FailingNew::HasFailed();
+    index.Drain();
+    Client anew{index};
+    Client someAnew{index};
+    anew.Subscribe(*tree.server, "/S/things");
+    someAnew.Subscribe(*tree.server, "/S/things?state=on");
+    EXPECT_TRUE(all.lost || all.View() == anew.View()) << "allocation " << n;
+    EXPECT_TRUE(some.lost || some.View() == someAnew.View()) << "allocation " << n;
+  }
 }
 
 }  // namespace

@@ -1,13 +1,19 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/unit/rest_tree/tree_fixture.h"
+#include "zuva/transaction.h"
 
 namespace zuva::test {
 namespace {
+
+using Names = std::vector<std::string>;
 
 class Fields : public testing::Test {
  protected:
@@ -17,80 +23,64 @@ class Fields : public testing::Test {
       told.push_back(name);
     });
   }
+  /// The fields whose change was told since, to the object's owner and, as one event or none, to the clients.
+  Names Told(std::size_t events = 1) {
+    EXPECT_EQ(tree.sink->Take().size(), events);
+    return std::exchange(told, {});
+  }
 
   Tree tree;
   std::shared_ptr<Thing> thing = tree.Add("one");
-  std::vector<std::string> told;
+  Names told;
 };
 
-TEST_F(Fields, AnEqualValueIsNoChange) {
-  EXPECT_TRUE(thing->SetFieldValue<ogm::String>("type", "two", false));
-  EXPECT_FALSE(thing->SetFieldValue<ogm::String>("type", "two", false));
-  EXPECT_EQ(told, std::vector<std::string>{"type"});
-  EXPECT_EQ(tree.sink->Count("changed"), 1U);
-}
-
-TEST_F(Fields, ForceTellsAnEqualValue) {
-  thing->AddField<ogm::Int>("value");
-  tree.sink->Take();
-  told.clear();
-  EXPECT_FALSE(thing->SetFieldValue<ogm::Int>("value", 0, true));
-  EXPECT_EQ(told, std::vector<std::string>{"value"});
-  EXPECT_EQ(tree.sink->Count("changed"), 1U);
-}
-
-TEST_F(Fields, AWriteAddsWhatIsMissing) {
-  EXPECT_TRUE(thing->SetFieldValue<ogm::Bool>("flag", false, false));
-  EXPECT_FALSE(thing->GetFieldValue<ogm::Bool>("flag"));
-}
-
-TEST_F(Fields, AddedOnesHaveTheDefaultOfTheirKindAndStayAsTheyAre) {
-  thing->AddField<ogm::String>("s");
-  thing->AddField<ogm::Real>("r");
-  thing->AddField<ogm::Array>("a");
-  thing->AddField<ogm::Object>("o");
-  EXPECT_EQ(told.size(), 4U);
-  EXPECT_TRUE(TextOf(*thing).ends_with(R"("s":"","r":0,"a":[],"o":{}})"));
-  EXPECT_FALSE(thing->AddField<ogm::String>("type"));
-  EXPECT_EQ(thing->GetFieldValue<ogm::String>("type"), "one");
-}
-
-TEST_F(Fields, RemovalIsTold) {
-  EXPECT_TRUE(thing->RemoveField("type"));
-  EXPECT_FALSE(thing->HasField("type"));
-  EXPECT_FALSE(thing->RemoveField("type"));
-  EXPECT_EQ(told, std::vector<std::string>{"type"});
-  EXPECT_EQ(tree.sink->Count("changed"), 1U);
-  EXPECT_THROW(thing->GetFieldValue<ogm::String>("type"), ara::rest::DataModelException);
-}
-
-TEST_F(Fields, NotANumberTwiceIsOneChange) {
-  EXPECT_TRUE(thing->SetFieldValue<ogm::Real>("r", std::nan(""), false));
-  EXPECT_FALSE(thing->SetFieldValue<ogm::Real>("r", std::nan(""), false));
-}
-
-TEST_F(Fields, ListsAndObjectsAreComparedWhole) {
+TEST_F(Fields, TellAChangeAndNoWriteOfAnEqualValueUnlessForced) {
   const auto words = [] {
     auto list = ara::rest::MakePointer<ogm::Array>();
     list->Append(ara::rest::MakePointer<ogm::String>("off"));
     return list;
   };
-  EXPECT_TRUE(thing->SetFieldValue<ogm::Array>("list", words(), false));
-  EXPECT_FALSE(thing->SetFieldValue<ogm::Array>("list", words(), false));
-  EXPECT_TRUE((thing->SetFieldValue<ogm::Field, ogm::Object>("object", Json(R"({"a":1})"))));
-  EXPECT_FALSE((thing->SetFieldValue<ogm::Field, ogm::Object>("object", Json(R"({"a":1})"))));
-  EXPECT_EQ(thing->GetFieldValue<ogm::Array>("list")->GetValues().size(), 1U);
+  const std::pair<const char*, std::function<bool(bool)>> rows[] = {
+      {"type", [&](bool force) { return thing->SetFieldValue<ogm::String>("type", "two", force); }},
+      {"flag", [&](bool force) { return thing->SetFieldValue<ogm::Bool>("flag", false, force); }},
+      {"nan", [&](bool force) { return thing->SetFieldValue<ogm::Real>("nan", std::nan(""), force); }},
+      {"list", [&](bool force) { return thing->SetFieldValue<ogm::Array>("list", words(), force); }},
+      {"object", [&](bool force) { return thing->SetFieldValue<ogm::Field, ogm::Object>("object", Json(R"({"a":1})"), force); }},
+  };
+  for (const auto& [name, write] : rows) {
+    EXPECT_TRUE(write(false)) << name;
+    EXPECT_EQ(Told(), Names{name});
+    EXPECT_FALSE(write(false)) << name;
+    EXPECT_EQ(Told(0), Names{});
+    EXPECT_FALSE(write(true)) << name;
+    EXPECT_EQ(Told(), Names{name});
+  }
+}
+
+TEST_F(Fields, AreAddedWithTheDefaultOfTheirKindAndRemoved) {
+  thing->AddField<ogm::String>("s");
+  thing->AddField<ogm::Real>("r");
+  thing->AddField<ogm::Array>("a");
+  thing->AddField<ogm::Object>("o");
+  EXPECT_EQ(Told(4).size(), 4U);
+  EXPECT_TRUE(TextOf(*thing).ends_with(R"("type":"one","s":"","r":0,"a":[],"o":{}})"));
+  EXPECT_FALSE(thing->AddField<ogm::String>("type"));
+  EXPECT_EQ(thing->GetFieldValue<ogm::String>("type"), "one");
+  EXPECT_TRUE(thing->RemoveField("type"));
+  EXPECT_FALSE(thing->RemoveField("type"));
+  EXPECT_EQ(Told(), Names{"type"});
+  EXPECT_THROW(thing->GetFieldValue<ogm::String>("type"), ara::rest::DataModelException);
 }
 
 TEST_F(Fields, ThePreChangeCallbackSeesOldAndNew) {
-  std::vector<std::string> seen;
+  Names seen;
   thing->SetPrePropertyChangeCallback([&](const auto& object, const ogm::Field& before, const ogm::Value& after) {
     seen.push_back(static_cast<const ogm::String&>(before.GetValue()).GetValue() + '>' + static_cast<const ogm::String&>(after).GetValue() +
                    ' ' + object->template GetFieldValue<ogm::String>("type"));
   });
-  thing->SetFieldValue<ogm::String>("type", "two", false);
-  thing->SetFieldValue<ogm::String>("missing", "x", false);
-  EXPECT_EQ(seen, std::vector<std::string>{"one>two one"});
+  thing->Set("type", "two");
+  thing->Set("missing", "x");
+  EXPECT_EQ(seen, Names{"one>two one"});
 }
 
 TEST_F(Fields, IdentityLeadsTheTree) {
@@ -102,9 +92,61 @@ TEST_F(Fields, IdentityLeadsTheTree) {
 }
 
 TEST(FieldsWithoutOwner, CallNobody) {
-  Thing thing{"/S/things/x", ara::rest::Uuid{}, "Thing"};
+  Thing thing{ara::rest::Uuid{}, UriOf("/S/things/x"), "Thing"};
   thing.SetPostPropertyChangeCallback([](const auto&, const auto&) { ADD_FAILURE(); });
   EXPECT_TRUE(thing.SetFieldValue<ogm::String>("type", "one", true));
+}
+
+TEST_F(Fields, OfATransactionStayAsideUntilTheCommit) {
+  const ChangeScope scope{*thing};
+  const auto transaction = Transaction::Begin(*thing);
+  EXPECT_EQ(thing->GetLatestActiveTransaction(), transaction);
+  EXPECT_TRUE(thing->SetFieldValue<ogm::String>("type", "two"));
+  EXPECT_FALSE(thing->SetFieldValue<ogm::String>("type", "two"));
+  EXPECT_TRUE(thing->AddField<ogm::Int>("value"));
+  EXPECT_FALSE(thing->HasField("value"));
+  EXPECT_EQ(thing->GetFieldValue<ogm::String>("type"), "two");
+  EXPECT_TRUE(TextOf(*thing).ends_with(R"("type":"one"})"));
+  transaction->Commit();
+  EXPECT_TRUE(TextOf(*thing).ends_with(R"("type":"two","value":0})"));
+  EXPECT_EQ(thing->GetLatestActiveTransaction(), nullptr);
+}
+
+TEST_F(Fields, AreRemovedByATransactionAtItsCommit) {
+  const ChangeScope scope{*thing};
+  {
+    const auto dropped = Transaction::Begin(*thing);
+    EXPECT_TRUE(thing->RemoveField("type"));
+  }
+  EXPECT_TRUE(thing->HasField("type"));
+  const auto transaction = Transaction::Begin(*thing);
+  EXPECT_TRUE(thing->RemoveField("type"));
+  EXPECT_FALSE(thing->RemoveField("type"));
+  EXPECT_THROW(thing->GetFieldValue<ogm::String>("type"), ara::rest::DataModelException);
+  thing->Set("only here", "x");
+  EXPECT_TRUE(thing->RemoveField("only here"));
+  EXPECT_TRUE(TextOf(*thing).ends_with(R"("type":"one"})"));
+  EXPECT_TRUE(thing->AddField<ogm::Int>("type"));
+  EXPECT_EQ(Told(0), (Names{"type", "type", "only here", "only here", "type"}));
+  transaction->Commit();
+  EXPECT_TRUE(TextOf(*thing).ends_with(R"("type":0})"));
+}
+
+TEST_F(Fields, AnUpdateIsOneCommitAndOneEvent) {
+  thing->SetPreTransactionCommitCallback([&](const auto& object, const ogm::Object& fields) {
+    told.push_back("before " + object->template GetFieldValue<ogm::String>("type") + " " + std::to_string(fields.GetFields().size()));
+  });
+  thing->SetPostTransactionCommitCallback(
+      [&](const auto& object, const ogm::Object&) { told.push_back("after " + object->template GetFieldValue<ogm::String>("type")); });
+  thing->Update(*Json(R"({"id":"x","type":"two","name":"y","value":5,"uri":"z"})"));
+  EXPECT_EQ(Told(), (Names{"type", "value", "before one 2", "after two"}));
+  EXPECT_TRUE(TextOf(*thing).starts_with(R"({"id":")" + thing->GetUuid().ToString() + R"(","name":"one","uri":"/S/things/)"));
+  thing->SetPreTransactionCommitCallback([](const auto&, const auto&) { throw std::runtime_error{"no"}; });
+  const auto version = thing->ContentVersion();
+  EXPECT_THROW(thing->Update(*Json(R"({"type":"three"})")), std::runtime_error);
+  EXPECT_EQ(thing->GetFieldValue<ogm::String>("type"), "two");
+  EXPECT_EQ(thing->ContentVersion(), version);
+  EXPECT_EQ(Told(0), Names{"type"});
 }
 
 }  // namespace

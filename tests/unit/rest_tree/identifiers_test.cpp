@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "ara/rest/router.h"
 #include "ara/rest/uri.h"
 #include "ara/rest/uuid.h"
 
@@ -43,16 +42,6 @@ TEST(Uris, AreCheckedWhenBuilt) {
   EXPECT_THROW(Build("/a b"), InvalidArgumentException);
   EXPECT_THROW(Build("http://[::1/"), InvalidArgumentException);
   EXPECT_THROW((Uri::Builder{"/a", nullptr}.ToUri()), LogicException);
-}
-
-TEST(Paths, SplitIntoThreeSegmentsAtMost) {
-  const auto matches = Matches::Split("/service/resource/element");
-  ASSERT_TRUE(matches);
-  EXPECT_EQ(matches->service, "service");
-  EXPECT_EQ(matches->resource, "resource");
-  EXPECT_EQ(matches->element, "element");
-  EXPECT_TRUE(Matches::Split("/"));
-  for (const auto* const path : {"", "a", "//", "/a/", "/a//b", "/a/b/c/", "/a/b/c/d"}) EXPECT_FALSE(Matches::Split(path)) << path;
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ constexpr int kRounds = 300;
 TEST(Threads, NoReaderSeesHalfAnUpdate) {
   Tree tree;
   const auto part = tree.Add("part");
-  const auto whole = tree.Make("whole");
+  const auto whole = tree.things->MakeThing("whole");
   whole->Embed("part", part);
   tree.things->Add(whole);
   part->SetFieldValue<ogm::Int>("a", 0);
@@ -35,11 +35,11 @@ TEST(Threads, NoReaderSeesHalfAnUpdate) {
     --running;
   });
   writers.emplace_back([&] {
-    for (int i = 1; i <= kRounds; ++i) tree.Post(PathOf(*part), R"({"a":-1,"b":-1})");
+    for (int i = 1; i <= kRounds; ++i) tree.Post(part->Path(), R"({"a":-1,"b":-1})");
     --running;
   });
   writers.emplace_back([&] {
-    const auto view = tree.Make("view");
+    const auto view = tree.things->MakeThing("view");
     for (int i = 1; i <= kRounds; ++i) {
       {
         const ChangeScope scope{*view};
@@ -52,14 +52,14 @@ TEST(Threads, NoReaderSeesHalfAnUpdate) {
   });
   while (running > 0) {
     ServerReply reply;
-    tree.Ask(reply, PathOf(*whole));
+    tree.Ask(reply, whole->Path());
     const auto& embedded = ogm::Get<ogm::Object>(*reply.GetBody()->tree, "part");
     EXPECT_EQ(ogm::Get<ogm::Int>(embedded, "a").GetValue(), ogm::Get<ogm::Int>(embedded, "b").GetValue());
     EXPECT_TRUE(tree.Get("/S/things").starts_with('['));
   }
   for (auto& writer : writers) writer.join();
 
-  EXPECT_EQ(tree.Get(PathOf(*whole)), TextOf(*whole));
+  EXPECT_EQ(tree.Get(whole->Path()), TextOf(*whole));
   EXPECT_EQ(tree.Get("/S/things"), '[' + TextOf(*part) + ',' + TextOf(*whole) + ']');
   EXPECT_EQ(tree.sink->Count("added"), static_cast<std::size_t>(kRounds));
   EXPECT_EQ(tree.sink->Count("removed"), static_cast<std::size_t>(kRounds));

@@ -72,6 +72,12 @@ bool Object::Remove(std::string_view name) {
   return std::erase_if(fields_, [&](const auto& field) { return field->GetName() == name; }) != 0;
 }
 
+void Object::Swap(Object& other) noexcept {
+  fields_.swap(other.fields_);
+  for (const auto& field : fields_) field->SetParent(this);
+  for (const auto& field : other.fields_) field->SetParent(&other);
+}
+
 bool Object::operator==(const Object& other) const noexcept {
   return std::equal(begin(), end(), other.begin(), other.end());
 }

@@ -169,6 +169,8 @@ class Object final : public Value {
   auto end() noexcept { return GetFields().end(); }
   auto begin() const noexcept { return GetFields().begin(); }
   auto end() const noexcept { return GetFields().end(); }
+  /// Exchanges the fields of the two.
+  void Swap(Object& other) noexcept;
   /// The same fields in the same order.
   bool operator==(const Object& other) const noexcept;
   Pointer<Value> Clone() const override;

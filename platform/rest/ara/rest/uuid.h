@@ -25,7 +25,6 @@ class Uuid {
   /// Takes the canonical form of 36 characters, in either case; nothing else. Allocates nothing.
   static std::optional<Uuid> Parse(std::string_view text) noexcept;
 
-  bool IsNil() const noexcept { return *this == Uuid{}; }
   const std::array<std::uint8_t, 16>& GetBytes() const noexcept { return bytes_; }
   /// The canonical form, in small letters.
   std::string ToString() const;

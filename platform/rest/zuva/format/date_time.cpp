@@ -43,20 +43,11 @@ void DateTime::Set(std::uint16_t year, std::uint8_t month, std::uint8_t day, std
   AppendPadded(value += ':', second, 2);
   if (milliseconds != 0) AppendPadded(value += '.', milliseconds, 3);
   value += zone;
-  year_ = year;
-  month_ = month;
-  day_ = day;
-  hour_ = hour;
-  minute_ = minute;
-  second_ = second;
-  milliseconds_ = milliseconds;
-  zone_ = std::move(zone);
   SetValue(std::move(value));
 }
 
 DateTime& DateTime::operator=(const DateTime& other) {
-  if (this == &other) return *this;
-  Set(other.year_, other.month_, other.day_, other.hour_, other.minute_, other.second_, other.milliseconds_, other.zone_);
+  SetValue(other.GetValue());
   return *this;
 }
 

@@ -20,25 +20,6 @@ class DateTime : public Value {
   /// Takes the other's date and keeps its own callback, which is told if the text changed.
   DateTime& operator=(const DateTime& other);
   DateTime(const DateTime&) = default;
-
-  std::uint16_t GetYear() const noexcept { return year_; }
-  std::uint8_t GetMonth() const noexcept { return month_; }
-  std::uint8_t GetDay() const noexcept { return day_; }
-  std::uint8_t GetHour() const noexcept { return hour_; }
-  std::uint8_t GetMinute() const noexcept { return minute_; }
-  std::uint8_t GetSecond() const noexcept { return second_; }
-  std::uint16_t GetMilliseconds() const noexcept { return milliseconds_; }
-  const std::string& GetZone() const noexcept { return zone_; }
-
- private:
-  std::uint16_t year_ = 0;
-  std::uint8_t month_ = 0;
-  std::uint8_t day_ = 0;
-  std::uint8_t hour_ = 0;
-  std::uint8_t minute_ = 0;
-  std::uint8_t second_ = 0;
-  std::uint16_t milliseconds_ = 0;
-  std::string zone_;
 };
 
 }  // namespace zuva::format

@@ -1,0 +1,29 @@
+#pragma once
+
+namespace test_support {
+
+/// While it lives, the n-th `new` of its thread fails, and no other. A program that uses it has its own `operator new`.
+class FailingNew {
+ public:
+  explicit FailingNew(unsigned n) noexcept;
+  ~FailingNew();
+  FailingNew(const FailingNew&) = delete;
+  FailingNew& operator=(const FailingNew&) = delete;
+
+  /// False if fewer than n came.
+  static bool HasFailed() noexcept;
+};
+
+/// Keeps the thread's `new` from failing, and from being counted, while it lives: for what the test does in the middle.
+class UnfailingNew {
+ public:
+  UnfailingNew() noexcept;
+  ~UnfailingNew();
+  UnfailingNew(const UnfailingNew&) = delete;
+  UnfailingNew& operator=(const UnfailingNew&) = delete;
+
+ private:
+  unsigned before_;
+};
+
+}  // namespace test_support
