@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -57,6 +58,7 @@ using Event = Field::Event;
 class HandDriven final : public xr::com::Executor {
  public:
   bool post(std::function<void()> job) override {
+    if (refusing) throw std::bad_alloc{};
     if (ended) return false;
     jobs.push_back(std::move(job));
     return true;
@@ -73,6 +75,7 @@ class HandDriven final : public xr::com::Executor {
 
   std::deque<std::function<void()>> jobs;
   bool ended = false;
+  bool refusing = false;
 };
 
 class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
@@ -86,7 +89,10 @@ class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
   };
 
   const std::string& service_name() const override { return name_; }
-  const qe::com::runtime::Instance_id& instance() const override { return instance_; }
+  const qe::com::runtime::Instance_id& instance() const override {
+    if (onInstance) onInstance();
+    return instance_;
+  }
   bool is_available(Method_ref) const override { return available; }
   void subscribe(std::uint16_t field, std::weak_ptr<xr::com::cpp_binding::proxy::Event_sink> wanted) override {
     ++subscriptions, subscribedField = field, sink = std::move(wanted);
@@ -120,6 +126,7 @@ class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
   int subscriptions = 0;
   std::uint16_t subscribedField = 0;
   std::function<void()> onSubscribe;
+  std::function<void()> onInstance;  // asked for whenever an incident is written
   std::weak_ptr<xr::com::cpp_binding::proxy::Event_sink> sink;
   std::vector<std::shared_ptr<Call>> calls;
 

@@ -7,21 +7,34 @@ namespace xr::com {
 Strand::Strand(std::shared_ptr<Executor> executor) : executor_{std::move(executor)} {}
 
 void Strand::post(std::function<void()> task) {
+  bool ended = false;
   {
     const std::lock_guard lock{mutex_};
     if (closing_) return;
     tasks_.push_back(std::move(task));
-    if (++pending_ > 1) return;
+    try {
+      ended = pending_ == 0 && !executor_->post([self = shared_from_this()] { self->run(); });
+    } catch (...) {  // without a job nobody would drain the queue, so nothing stays in it
+      tasks_.pop_back();
+      throw;
+    }
+    ++pending_;
   }
-  if (!executor_->post([self = shared_from_this()] { self->run(); })) close();
+  if (ended) close();
 }
 
-void Strand::close() {
-  std::deque<std::function<void()>> dropped;  // destroyed after the unlock: a task may own anything
-  const std::lock_guard lock{mutex_};
+void Strand::close() noexcept {
+  std::unique_lock lock{mutex_};
   closing_ = true;
-  dropped.swap(tasks_);
-  pending_ -= dropped.size();
+  // One by one: a second queue to take them all would need memory. Each is destroyed unlocked, since a task may own anything.
+  while (!tasks_.empty()) {
+    auto dropped = std::exchange(tasks_.front(), nullptr);
+    tasks_.pop_front();
+    --pending_;
+    lock.unlock();
+    dropped = nullptr;
+    lock.lock();
+  }
 }
 
 void Strand::run() {

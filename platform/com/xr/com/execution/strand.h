@@ -18,11 +18,12 @@ class Strand : public std::enable_shared_from_this<Strand> {
  public:
   explicit Strand(std::shared_ptr<Executor> executor);
 
-  /// Appends a task. On a closed strand, or when the executor has ended, the task is dropped unrun.
+  /// Appends a task. On a closed strand, or when the executor has ended, the task is dropped unrun. What throws leaves the strand as it
+  /// was.
   void post(std::function<void()> task);
 
   /// Drops all waiting tasks and all later ones. A task that runs is not waited for, so a task may call this.
-  void close();
+  void close() noexcept;
 
  private:
   void run();
