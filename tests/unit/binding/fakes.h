@@ -6,6 +6,7 @@
 #include "xr/com/execution/executor.h"
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -78,14 +79,16 @@ class HandDriven final : public xr::com::Executor {
   bool refusing = false;
 };
 
-class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
+class FakePort : public xr::com::cpp_binding::proxy::Client_port {
  public:
   struct Call {
+    Call(Method_ref which, Bytes payload, std::function<void(Reply)> end)
+        : method{which}, request{std::move(payload)}, completion{std::move(end)} {}
     Method_ref method;
     Bytes request;
     std::function<void(Reply)> completion;
-    bool ready = false;
-    bool abandoned = false;
+    std::atomic<bool> ready = false;
+    std::atomic<bool> abandoned = false;
   };
 
   const std::string& service_name() const override { return name_; }
@@ -101,7 +104,7 @@ class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
   void unsubscribe(std::uint16_t, const xr::com::cpp_binding::proxy::Event_sink*) override { --subscriptions; }
   std::unique_ptr<xr::com::cpp_binding::proxy::Pending_call> call(Method_ref method, xr::com::cpp_binding::proxy::Shared_payload request,
                                                                   std::function<void(Reply)> completion) override {
-    calls.push_back(std::make_shared<Call>(Call{method, *request, std::move(completion)}));
+    calls.push_back(std::make_shared<Call>(method, *request, std::move(completion)));
     return std::make_unique<Pending>(calls.back());
   }
 
