@@ -17,6 +17,7 @@
 #include "xr/com/runtime/component_singleton.h"
 
 #include <chrono>
+#include <exception>
 #include <memory>
 #include <string>
 #include <thread>
@@ -74,7 +75,11 @@ int main() {
 
   while (!app::StopRequested()) app::SleepHalfSecond();
 
-  server->StopServer();
+  try {
+    server->StopServer();
+  } catch (const std::exception& error) {  // the rest of the stop does not depend on it
+    logger.LogError() << "Exception at stopping the server: " << error.what();
+  }
   reports.ShutdownBegins();
   server->SetCommunicationsManager(nullptr);
   cmcListener->SetCommunicationsManager(nullptr);

@@ -5,6 +5,9 @@
 /// The rows in which the members of the SOME/IP families differ. The words stand as they are, mixed prefixes and missing blanks included.
 namespace trov::someip {
 
+/// What both listeners say when their find has been started.
+inline constexpr std::string_view kFindStarted = "Find Service started...";
+
 /// What a wrapper says; `…Unserved` for a resource that its service does not serve.
 struct WrapperTexts {
   std::string_view updateUnserved, subscribeUnserved, cachedSamplesUnserved, receiveHandlerUnserved, cleanupUnserved, getUnserved;

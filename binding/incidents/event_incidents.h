@@ -30,20 +30,20 @@ struct Event_time_incident {
 };
 
 template <Incident_name name, ara::log::LogLevel level>
-void to_json(nlohmann::ordered_json& json, const Event_incident<name, level>& incident) {
+void to_json(json::Json_text& json, const Event_incident<name, level>& incident) {
   detail::put_identity(json, name.view(), incident.identity);
   detail::put_number(json, "4_event_id", incident.eventId);
 }
 
 template <Incident_name name, ara::log::LogLevel level>
-void to_json(nlohmann::ordered_json& json, const Event_text_incident<name, level>& incident) {
+void to_json(json::Json_text& json, const Event_text_incident<name, level>& incident) {
   detail::put_identity(json, name.view(), incident.identity);
   detail::put_number(json, "4_event_id", incident.eventId);
   detail::put_text(json, "5_text", incident.text);
 }
 
 template <Incident_name name, ara::log::LogLevel level>
-void to_json(nlohmann::ordered_json& json, const Event_time_incident<name, level>& incident) {
+void to_json(json::Json_text& json, const Event_time_incident<name, level>& incident) {
   detail::put_identity(json, name.view(), incident.identity);
   detail::put_number(json, "4_event_id", incident.eventId);
   detail::put_number(json, "5_time", static_cast<std::int64_t>(incident.time));

@@ -6,12 +6,12 @@ namespace ara::com::log::incidents {
 
 namespace detail = xr::com::cpp_binding::log::detail;
 
-void to_json(nlohmann::ordered_json& json, const Field_subscribe& incident) {
+void to_json(xr::com::json::Json_text& json, const Field_subscribe& incident) {
   detail::put_identity(json, "Field_subscribe", {{incident.service}, incident.instance.value()});
   detail::put_number(json, "4_event_id", incident.eventId);
 }
 
-void to_json(nlohmann::ordered_json& json, const Find_service_start& incident) {
+void to_json(xr::com::json::Json_text& json, const Find_service_start& incident) {
   detail::put_identity(json, "Find_service_start", {{incident.service}, incident.instance});
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "ara/log/log_level.h"
+#include "binding/serialization/json_text.h"
 #include "xr/com/instance_id.h"
-
-#include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
 #include <string_view>
@@ -26,7 +25,7 @@ struct Find_service_start {
   std::string_view instance;  // the specifier, "*" for any instance
 };
 
-void to_json(nlohmann::ordered_json& json, const Field_subscribe& incident);
-void to_json(nlohmann::ordered_json& json, const Find_service_start& incident);
+void to_json(xr::com::json::Json_text& json, const Field_subscribe& incident);
+void to_json(xr::com::json::Json_text& json, const Find_service_start& incident);
 
 }  // namespace ara::com::log::incidents

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "binding/serialization/json_text.h"
 #include "xr/com/instance_id.h"
-
-#include <nlohmann/json_fwd.hpp>
 
 #include <string_view>
 
@@ -20,9 +19,10 @@ struct Service_handle {
   std::string_view instance;
 };
 
-void to_json(nlohmann::ordered_json& json, const Service_id& service);
-void to_json(nlohmann::ordered_json& json, const Instance_id& instance);
-void to_json(nlohmann::ordered_json& json, const Service_handle& handle);
+/// Each writes one object.
+void to_json(xr::com::json::Json_text& json, const Service_id& service);
+void to_json(xr::com::json::Json_text& json, const Instance_id& instance);
+void to_json(xr::com::json::Json_text& json, const Service_handle& handle);
 
 }  // namespace qe::com::runtime
 

@@ -1,56 +1,78 @@
 #include "binding/incidents/incident_json.h"
 
-#include <nlohmann/json.hpp>
-
-#include <string>
-
 namespace qe::com::runtime {
 namespace {
 
-nlohmann::ordered_json instance_json(std::string_view instance) {
-  return {{"1_id", "Instance_id"}, {"2_string", instance}};
+using xr::com::json::Json_text;
+
+void put(Json_text& json, std::string_view key, std::string_view text) {
+  json.key(key);
+  json.value(text);
+}
+
+void put_instance(Json_text& json, std::string_view instance) {
+  json.begin_object();
+  put(json, "1_id", "Instance_id");
+  put(json, "2_string", instance);
+  json.end_object();
 }
 
 }  // namespace
 
-void to_json(nlohmann::ordered_json& json, const Service_id& service) {
+void to_json(Json_text& json, const Service_id& service) {
+  json.begin_object();
+  put(json, "1_id", "Service_id");
   // Only the key of a literal has a number, on purpose.
-  json = {{"1_id", "Service_id"}, {service.literal ? "2_char const*" : "string", service.name}};
+  put(json, service.literal ? "2_char const*" : "string", service.name);
+  json.end_object();
 }
 
-void to_json(nlohmann::ordered_json& json, const Instance_id& instance) {
-  json = instance_json(instance.value());
+void to_json(Json_text& json, const Instance_id& instance) {
+  put_instance(json, instance.value());
 }
 
-void to_json(nlohmann::ordered_json& json, const Service_handle& handle) {
-  json = {{"1_id", "Service_handle"}, {"2_service_id", handle.service}, {"3_instance_id", instance_json(handle.instance)}};
+void to_json(Json_text& json, const Service_handle& handle) {
+  json.begin_object();
+  put(json, "1_id", "Service_handle");
+  json.key("2_service_id");
+  to_json(json, handle.service);
+  json.key("3_instance_id");
+  put_instance(json, handle.instance);
+  json.end_object();
 }
 
 }  // namespace qe::com::runtime
 
 namespace xr::com::cpp_binding::log::detail {
 
-void put_identity(nlohmann::ordered_json& json, std::string_view name, const Identity& identity) {
-  json["1_id"] = name;
-  json["2_service_id"] = identity.service;
-  json["3_instance_id"] = qe::com::runtime::Instance_id{std::string{identity.instance}};
+void put_identity(json::Json_text& json, std::string_view name, const Identity& identity) {
+  put_text(json, "1_id", name);
+  json.key("2_service_id");
+  to_json(json, identity.service);
+  json.key("3_instance_id");
+  to_json(json, qe::com::runtime::Instance_id{std::string{identity.instance}});
 }
 
-void put_number(nlohmann::ordered_json& json, std::string_view key, std::int64_t number) {
-  json[std::string{key}] = number;
+void put_number(json::Json_text& json, std::string_view key, std::int64_t number) {
+  json.key(key);
+  json.value(number);
 }
 
-void put_flag(nlohmann::ordered_json& json, std::string_view key, bool flag) {
-  json[std::string{key}] = flag;
+void put_flag(json::Json_text& json, std::string_view key, bool flag) {
+  json.key(key);
+  json.value(flag);
 }
 
-void put_text(nlohmann::ordered_json& json, std::string_view key, std::string_view text) {
-  json[std::string{key}] = text;
+void put_text(json::Json_text& json, std::string_view key, std::string_view text) {
+  json.key(key);
+  json.value(text);
 }
 
-void put_handles(nlohmann::ordered_json& json, std::string_view key, std::span<const qe::com::runtime::Service_handle> handles) {
-  auto& list = json[std::string{key}] = nlohmann::ordered_json::array();
-  for (const auto& handle : handles) list.push_back(handle);
+void put_handles(json::Json_text& json, std::string_view key, std::span<const qe::com::runtime::Service_handle> handles) {
+  json.key(key);
+  json.begin_array();
+  for (const auto& handle : handles) to_json(json, handle);
+  json.end_array();
 }
 
 std::string cut_to(std::string text, std::size_t limit) {

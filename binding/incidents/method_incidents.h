@@ -23,13 +23,13 @@ struct Method_code_incident {
 };
 
 template <Incident_name name, ara::log::LogLevel level>
-void to_json(nlohmann::ordered_json& json, const Method_incident<name, level>& incident) {
+void to_json(json::Json_text& json, const Method_incident<name, level>& incident) {
   detail::put_identity(json, name.view(), incident.identity);
   detail::put_number(json, "4_method_id", incident.methodId);
 }
 
 template <Incident_name name, ara::log::LogLevel level>
-void to_json(nlohmann::ordered_json& json, const Method_code_incident<name, level>& incident) {
+void to_json(json::Json_text& json, const Method_code_incident<name, level>& incident) {
   detail::put_identity(json, name.view(), incident.identity);
   detail::put_number(json, "4_method_id", incident.methodId);
   detail::put_number(json, "5_error_code", incident.errorCode);

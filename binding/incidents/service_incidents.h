@@ -32,9 +32,9 @@ struct Service_proxy_constructed {
   bool utf8simple;    // strings have neither byte order mark nor terminator
 };
 
-void to_json(nlohmann::ordered_json& json, const Find_service_result& incident);
-void to_json(nlohmann::ordered_json& json, const Find_service_handler_exception& incident);
-void to_json(nlohmann::ordered_json& json, const Find_service_handler_performance& incident);
-void to_json(nlohmann::ordered_json& json, const Service_proxy_constructed& incident);
+void to_json(json::Json_text& json, const Find_service_result& incident);
+void to_json(json::Json_text& json, const Find_service_handler_exception& incident);
+void to_json(json::Json_text& json, const Find_service_handler_performance& incident);
+void to_json(json::Json_text& json, const Service_proxy_constructed& incident);
 
 }  // namespace xr::com::cpp_binding::log::incidents

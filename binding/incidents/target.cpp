@@ -4,8 +4,6 @@
 #include "binding/incidents/incident_json.h"
 #include "xr/com/loggers.h"
 
-#include <nlohmann/json.hpp>
-
 #include <exception>
 
 namespace xr::com::log::target {
@@ -16,10 +14,15 @@ bool Dlt::is_log_enabled(ara::log::LogLevel level) {
 
 std::string Dlt::text_of(const Writer& incident, const Writer& arguments) {
   try {
-    nlohmann::ordered_json json;
-    incident(json["1_incident"]);
+    json::Json_text json;
+    json.begin_object();
+    json.key("1_incident");
+    json.begin_object();
+    incident(json);
+    json.end_object();
     arguments(json);
-    return xr::com::cpp_binding::log::detail::cut_to(json.dump(), ara::log::WholeLine::kLimit);
+    json.end_object();
+    return xr::com::cpp_binding::log::detail::cut_to(json.take(), ara::log::WholeLine::kLimit);
   } catch (const std::exception&) {  // what cannot be told as JSON is not told
     return {};
   }

@@ -1,7 +1,9 @@
 #include "binding/proxy/event_base.h"
 
+#include "ara/log/logging.h"
 #include "binding/incidents/event_incidents.h"
 #include "binding/incidents/target.h"
+#include "xr/com/loggers.h"
 
 #include <exception>
 #include <utility>
@@ -24,18 +26,18 @@ void Event_base::event_updated(std::uint32_t status, const std::vector<unsigned 
   }
   Dlt::trace(log::incidents::Event_update_rx{identity(), id_},
              json::serialization::Payload_data{operations_.write_json, decoded.sample.get()});
-  {
+  try {
     const std::unique_lock lock{queueMutex_};
     queue_.emplace_sample(std::move(decoded));
+  } catch (const std::exception& e) {
+    logger().LogWarn() << "Dropped a sample of event " << id_ << ": " << e.what();
+    return;
   }
   notify_all_subscribers();
 }
 
 void Event_base::event_state_changed(Subscription_state state) {
-  const auto list = subscribers();
-  for (const auto& subscriber : *list) {
-    if (const auto alive = subscriber.lock()) alive->on_subscription_state_change(state);
-  }
+  for_each_subscriber([state](Event_subscriber& subscriber) { subscriber.on_subscription_state_change(state); });
 }
 
 void Event_base::internal_subscribe(const std::shared_ptr<Event_subscriber>& subscriber, bool wanted) {
@@ -51,20 +53,40 @@ void Event_base::internal_subscribe(const std::shared_ptr<Event_subscriber>& sub
   asked_ = true;
 }
 
-void Event_base::internal_unsubscribe(const Event_subscriber* subscriber) {
+void Event_base::internal_unsubscribe(const Event_subscriber* subscriber) noexcept {
   const std::lock_guard link{linkMutex_};
-  {
-    const std::lock_guard lock{subscribersMutex_};
-    subscribers_ = std::make_shared<const Subscribers>(remaining_locked(subscriber));
-    if (!subscribers_->empty()) return;
+  try {
+    if (!remove(subscriber) || !asked_) return;
+    port_->unsubscribe(id_, this);
+    asked_ = false;
+  } catch (const std::exception& e) {
+    logger().LogWarn() << "Cannot give back event " << id_ << ": " << e.what();
   }
-  if (std::exchange(asked_, false)) port_->unsubscribe(id_, this);
+}
+
+bool Event_base::remove(const Event_subscriber* subscriber) {
+  const std::lock_guard lock{subscribersMutex_};
+  auto rest = remaining_locked(subscriber);
+  const bool none = rest.empty();
+  subscribers_ = none ? nobody_ : std::make_shared<const Subscribers>(std::move(rest));
+  return none;
 }
 
 void Event_base::notify_all_subscribers() {
+  for_each_subscriber([](Event_subscriber& subscriber) { subscriber.on_event_sample(); });
+}
+
+template <class Use>
+void Event_base::for_each_subscriber(Use&& use) const {
   const auto list = subscribers();
   for (const auto& subscriber : *list) {
-    if (const auto alive = subscriber.lock()) alive->on_event_sample();
+    const auto alive = subscriber.lock();
+    if (!alive) continue;
+    try {
+      use(*alive);
+    } catch (const std::exception& e) {  // neither the transport nor the other subscribers are to suffer from it
+      logger().LogWarn() << "No dispatch of event " << id_ << ": " << e.what();
+    }
   }
 }
 

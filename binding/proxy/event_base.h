@@ -13,7 +13,8 @@
 
 namespace xr::com::cpp_binding::proxy {
 
-/// Is told when a sample has arrived and when the state of the subscription changes; on the transport thread.
+/// Is told when a sample has arrived and when the state of the subscription changes; on the transport thread. What an operation throws
+/// costs this subscriber this one report.
 class Event_subscriber {
  public:
   virtual ~Event_subscriber() = default;
@@ -37,8 +38,9 @@ class Event_base final : public Event_sink, public std::enable_shared_from_this<
   /// subscriber before it returns, so its locks are not held.
   void internal_subscribe(const std::shared_ptr<Event_subscriber>& subscriber, bool wanted);
 
-  /// No delivery begins after the return; the last one to go gives the event back.
-  void internal_unsubscribe(const Event_subscriber* subscriber);
+  /// The last one to go gives the event back. Never throws: a subscriber that cannot be taken off the list goes with its object, and ends
+  /// its deliveries itself.
+  void internal_unsubscribe(const Event_subscriber* subscriber) noexcept;
 
   void notify_all_subscribers();
 
@@ -55,9 +57,14 @@ class Event_base final : public Event_sink, public std::enable_shared_from_this<
  private:
   using Subscribers = std::vector<std::weak_ptr<Event_subscriber>>;
   std::shared_ptr<const Subscribers> subscribers() const;
+  template <class Use>
+  void for_each_subscriber(Use&& use) const;
+  /// Whether none is left.
+  bool remove(const Event_subscriber* subscriber);
   /// The list without `gone` and without those that no longer live.
   Subscribers remaining_locked(const Event_subscriber* gone) const;
 
+  const std::shared_ptr<const Subscribers> nobody_ = std::make_shared<Subscribers>();  // kept, so that the last one needs no memory to go
   const unsigned short id_;
   const Service_info service_;
   const std::shared_ptr<Client_port> port_;
@@ -70,7 +77,7 @@ class Event_base final : public Event_sink, public std::enable_shared_from_this<
   bool asked_ = false;
 
   mutable std::mutex subscribersMutex_;  // guards subscribers_; the list itself is replaced, never changed
-  std::shared_ptr<const Subscribers> subscribers_ = std::make_shared<Subscribers>();
+  std::shared_ptr<const Subscribers> subscribers_ = nobody_;
 };
 
 }  // namespace xr::com::cpp_binding::proxy

@@ -55,13 +55,16 @@ void Event_state::subscribe(std::size_t cacheSize) {
 }
 
 bool Event_state::update(const Sample_filter& filter) {
-  const std::lock_guard lock{mutex_};
+  // The transport thread waits for the mutex, so incidents are written before it is taken, and old samples end after it is released.
   if (!subscribed_) {
     Dlt::trace(incidents::Event_update_when_not_subscribed{event_->identity(), event_->id()});
     return false;
   }
   Dlt::trace(incidents::Event_cache_update{event_->identity(), event_->id()});
+  Sample_cache released;
+  const std::lock_guard lock{mutex_};
   rearmed_ = true;
+  if (replace_) released.swap(cache_);
   const bool any = event_->copy_samples(cache_, replace_, capacity_, lastUpdate_);
   if (filter) std::erase_if(cache_, [&](const Any_sample& sample) { return !filter(sample.get()); });
   return any;
@@ -90,7 +93,7 @@ void Event_state::set_state_handler(State_handler handler) {
   stateHandler_.swap(next);
 }
 
-void Event_state::close() {
+void Event_state::close() noexcept {
   std::shared_ptr<const Receive_handler> receiveHandler;
   std::shared_ptr<const State_handler> stateHandler;
   Sample_cache released;
@@ -109,20 +112,21 @@ void Event_state::on_event_sample() {
   const std::lock_guard lock{mutex_};
   // A task that waits already looks at the newest sample itself.
   if (samplePending_ || !is_dispatch_due_locked()) return;
-  samplePending_ = true;
+  // The flag follows the post: if that throws, the next sample tries again. The task cannot overtake it, since it takes the mutex.
   strand_->post([weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->dispatch_sample();
   });
+  samplePending_ = true;
 }
 
 void Event_state::on_subscription_state_change(Subscription_state state) {
   subscriptionState_.store(state);
   const std::lock_guard lock{mutex_};
   if (closing_ || statePending_) return;
-  statePending_ = true;
   strand_->post([weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->dispatch_state();
   });
+  statePending_ = true;  // after the post, as with samples
 }
 
 bool Event_state::is_dispatch_due_locked() const {
@@ -144,7 +148,7 @@ void Event_state::dispatch_sample() {
   run(*handler);
 }
 
-void Event_state::run(const Receive_handler& handler) const {
+void Event_state::run(const Receive_handler& handler) {
   const auto identity = event_->identity();
   Dlt::trace(incidents::Event_receive_handler{identity, event_->id()});
   const Deadline_guard guard{kHandlerDeadline, [&](unsigned long time) {
@@ -154,7 +158,13 @@ void Event_state::run(const Receive_handler& handler) const {
     handler();
   } catch (...) {  // whatever it was, it ends here: the strand serves the next sample
     Dlt::trace(incidents::Event_receive_handler_exception{identity, event_->id()});
+    rearm();  // the handler may have failed before its update, and would never be called again
   }
+}
+
+void Event_state::rearm() {
+  const std::lock_guard lock{mutex_};
+  rearmed_ = true;
 }
 
 void Event_state::dispatch_state() {

@@ -32,7 +32,8 @@ class Event_state final : public Event_subscriber, public std::enable_shared_fro
   void set_receive_handler(Receive_handler handler);
   void set_state_handler(State_handler handler);
   Subscription_state subscription_state() const { return subscriptionState_.load(); }
-  void close();
+  /// Never throws, since it runs in destructors.
+  void close() noexcept;
 
   void on_event_sample() override;
   void on_subscription_state_change(Subscription_state state) override;
@@ -41,15 +42,17 @@ class Event_state final : public Event_subscriber, public std::enable_shared_fro
   bool is_dispatch_due_locked() const;
   void dispatch_sample();
   void dispatch_state();
-  void run(const Receive_handler& handler) const;
+  void run(const Receive_handler& handler);
+  void rearm();
 
   const std::shared_ptr<Event_base> event_;
   const std::shared_ptr<Strand> strand_;
   std::atomic<Subscription_state> subscriptionState_ = Subscription_state::not_subscribed;
 
+  std::atomic<bool> subscribed_ = false;  // once true it stays so
+
   mutable std::mutex mutex_;  // guards the members below; before the strand's mutex and the queue's lock
   bool closing_ = false;
-  bool subscribed_ = false;
   bool linked_ = false;
   bool rearmed_ = false;        // the user is ready for a dispatch
   bool samplePending_ = false;  // a task for a sample waits on the strand

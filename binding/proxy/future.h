@@ -15,7 +15,7 @@ class Promise;
 
 /// The result of a method call, to be had once. Movable; empty when default-constructed, moved from, or after `get`.
 ///
-/// Dropping it takes nothing back: an answer that still comes is dropped too. One thread at a time uses one future.
+/// Dropping it takes nothing back at the vehicle: an answer that still comes finds nobody. One thread at a time uses one future.
 template <class T>
 class Future {
  public:
@@ -30,6 +30,9 @@ class Future {
   Future_status wait_for(const std::chrono::duration<Rep, Period>& time) const {
     return state().wait_for(std::chrono::duration_cast<std::chrono::nanoseconds>(time));
   }
+
+  /// Lets an object end together with the future, such as the call that would bring its result. For whoever makes the future.
+  void keep(std::shared_ptr<const void> companion) { state().keep(std::move(companion)); }
 
   /// Waits, empties the future, and gives the value or throws the stored exception.
   T get() {

@@ -25,6 +25,9 @@ class Future_state_base {
   void wait() const;
   Future_status wait_for(std::chrono::nanoseconds time) const;
 
+  /// Keeps an object as long as somebody may ask for the result. Before the future is handed out.
+  void keep(std::shared_ptr<const void> companion) { companion_ = std::move(companion); }
+
  protected:
   ~Future_state_base() = default;
 
@@ -49,6 +52,7 @@ class Future_state_base {
   mutable std::condition_variable changed_;
   bool ready_ = false;
   std::exception_ptr exception_;
+  std::shared_ptr<const void> companion_;
 };
 
 template <class T>

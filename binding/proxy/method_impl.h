@@ -45,7 +45,7 @@ class Records_answer final : public Answer {
 
 /// `Method` is the `Get` or the `Set` of field `F`; both answer with the field's value, and a set takes one too. Any thread.
 ///
-/// A call that nobody answers, or that is open when the method goes, leaves its future unready.
+/// A call that nobody answers, or that is open when the method goes, leaves its future unready. One whose future goes is given up.
 template <class F, class Method, Method_kind kind>
 class Method_impl : public Method_impl_base {
  public:
@@ -82,7 +82,7 @@ class Method_impl : public Method_impl_base {
   qe::com::Future<Records> call(Shared_payload request) {
     const auto answer = std::make_shared<Records_answer<Record>>(context().service.properties);
     auto future = answer->get_future();
-    send(std::move(request), answer);
+    future.keep(send(std::move(request), answer));
     return future;
   }
 };

@@ -4,6 +4,7 @@
 #include "binding/incidents/target.h"
 #include "xr/com/exceptions.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -14,6 +15,21 @@ using com::log::target::Dlt;
 namespace incidents = log::incidents;
 
 constexpr int kUndecodable = 138;
+
+/// Of the calls that a silent vehicle left unanswered, so many are told at the end: it may have been silent for months.
+constexpr std::size_t kMostCancelled = 100;
+
+/// A future's share in its call.
+class Future_share {
+ public:
+  explicit Future_share(std::shared_ptr<Open_call> call) : call_{std::move(call)} {}
+  ~Future_share() { call_->give_up(); }
+  Future_share(const Future_share&) = delete;
+  Future_share& operator=(const Future_share&) = delete;
+
+ private:
+  const std::shared_ptr<Open_call> call_;
+};
 
 void fail_undecodable(const Method_context& context, Answer& answer, std::string_view reason) {
   Dlt::trace(incidents::Method_call_deserializer_exception{context.identity(), context.id, kUndecodable, reason});
@@ -68,7 +84,11 @@ Method_impl_base::Method_impl_base(Method_context context, std::shared_ptr<Clien
 
 Method_impl_base::~Method_impl_base() {
   for (const auto& cleanup : cleanups_) {
-    if (!cleanup.is_over()) Dlt::trace(incidents::Method_call_request_cancelled{context_->identity(), context_->id});
+    if (!cleanup.call->is_ready()) ++neverReady_;
+    cleanup.call->give_up();
+  }
+  for (auto left = std::min(neverReady_, kMostCancelled); left != 0; --left) {
+    Dlt::trace(incidents::Method_call_request_cancelled{context_->identity(), context_->id});
   }
 }
 
@@ -76,16 +96,45 @@ void Method_impl_base::throw_if_not_available() const {
   if (!port_->is_available(context_->method)) throw Service_not_available_exception{};
 }
 
-void Method_impl_base::send(Shared_payload request, const std::shared_ptr<Answer>& answer) {
-  auto call = port_->call(context_->method, std::move(request),
-                          [context = context_, answer](const Reply& reply) { detail::complete(*context, *answer, reply); });
-  add_cleanup(answer, std::move(call));
+std::shared_ptr<const void> Method_impl_base::send(Shared_payload request, const std::shared_ptr<Answer>& answer) {
+  const auto call = std::make_shared<Open_call>();
+  auto share = std::make_shared<const Future_share>(call);
+  call->set(port_->call(context_->method, std::move(request),
+                        [context = context_, answer](const Reply& reply) { detail::complete(*context, *answer, reply); }));
+  add_cleanup(answer, call);
+  return share;
 }
 
-void Method_impl_base::add_cleanup(std::weak_ptr<Answer> promise, std::unique_ptr<Pending_call> call) {
+void Method_impl_base::add_cleanup(std::weak_ptr<Answer> promise, std::shared_ptr<Open_call> call) {
   const std::lock_guard lock{mutex_};
-  std::erase_if(cleanups_, [](const Cleanup& cleanup) { return cleanup.is_over(); });
+  remove_ended_locked();
   cleanups_.push_back({std::move(promise), std::move(call)});
+}
+
+void Method_impl_base::remove_ended_locked() {
+  std::erase_if(cleanups_, [this](const Cleanup& cleanup) {
+    const bool gone = cleanup.promise.expired();  // before the next question: an answer makes a call ready, then drops the promise
+    const bool ready = cleanup.call->is_ready();
+    if (gone && !ready) ++neverReady_;
+    return gone || ready;
+  });
+}
+
+void Open_call::set(std::unique_ptr<Pending_call> call) {
+  const std::lock_guard lock{mutex_};
+  call_ = std::move(call);
+}
+
+void Open_call::give_up() noexcept {
+  std::unique_ptr<Pending_call> call;  // ends after the unlock, since that asks the transport
+  const std::lock_guard lock{mutex_};
+  wasReady_ = wasReady_ || (call_ && call_->is_ready());
+  call.swap(call_);
+}
+
+bool Open_call::is_ready() const {
+  const std::lock_guard lock{mutex_};
+  return wasReady_ || (call_ && call_->is_ready());
 }
 
 }  // namespace xr::com::cpp_binding::proxy

@@ -20,7 +20,7 @@ struct Decoded_sample {
 /// What the runtime does with a record type, so that everything else is compiled once for all.
 struct Record_operations {
   Decoded_sample (*decode)(const std::vector<unsigned char>& payload, const someip::serialization::Serialization_properties&);
-  void (*write_json)(nlohmann::ordered_json& to, const void* sample);
+  void (*write_json)(json::Json_text& to, const void* sample);
 };
 
 template <class Record>
@@ -33,7 +33,7 @@ struct Operations_of {
     return {std::move(records), bytes};
   }
 
-  static void write_json(nlohmann::ordered_json& to, const void* sample) {
+  static void write_json(json::Json_text& to, const void* sample) {
     json::serialization::Json_serializer::write(to, *static_cast<const std::vector<Record>*>(sample));
   }
 

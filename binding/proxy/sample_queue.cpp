@@ -11,8 +11,9 @@ void Sample_queue::emplace_sample(Decoded_sample sample) {
     samples_.pop_front();
     ++oldest_;
   }
-  bytes_ += sample.bytes;
+  const auto bytes = sample.bytes;
   samples_.push_back(std::move(sample));
+  bytes_ += bytes;
   ++newest_;
 }
 
@@ -29,6 +30,7 @@ bool copy_samples_to_cache(Sample_cache& cache, bool replace, std::size_t capaci
     cache = std::move(newest);
   } else {
     const auto room = capacity - fresh;
+    cache.reserve(cache.size() + fresh);  // what throws does so before anything has changed
     if (cache.size() > room) cache.erase(cache.begin(), cache.end() - static_cast<std::ptrdiff_t>(room));
     for (auto index = first; index < queue.size(); ++index) cache.push_back(queue[index]);
   }

@@ -18,6 +18,9 @@ using Opt = qe::com::optional<T>;
 using Word = Opt<std::string>;
 using Words = Opt<std::vector<std::string>>;
 
+/// How an absent number shows in a log line; it is never sent.
+inline constexpr std::uint32_t kAbsentNumber = 100000;
+
 namespace cmc = ylt::services::chargingmanagementcore::datatypes;
 
 }  // namespace trov

@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "commmngr/communications_manager.h"
+#include "commmngr/texts.h"
 #include "commmngr/toward_rest/translation.h"
 
 namespace trov::commMngr {
@@ -27,7 +28,7 @@ Words Translated(const ara::log::Logger& logger, const Opt<std::vector<Configura
     try {
       if (names.count(number) != 0) scratch = names.at(number);
     } catch (const std::out_of_range&) {
-      logger.LogDebug() << "[CommMngr][Someip -> Zuva] Map exception";
+      logger.LogDebug() << kMapException;
     }
     words.push_back(scratch);
     Tell(logger, kConfiguration, number, scratch);

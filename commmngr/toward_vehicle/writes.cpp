@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "commmngr/communications_manager.h"
+#include "commmngr/texts.h"
 #include "commmngr/toward_vehicle/number.h"
 
 // A client's words become numbers. The five operations are written out, since their failures differ in all of them.
@@ -23,8 +24,7 @@ SOMEIP_RESPONSE_TYPE CommunicationsManager::TellSomeIpToUpdate_ValueControls(con
   Opt<cmc::DT_ChargingManagementCore_valueControls_specialState> stateNumber;
   if (specialState) {
     stateNumber = Number<cmc::DT_ChargingManagementCore_valueControls_specialState>(*specialState);
-    // The direction in these words is as it stands.
-    if (!stateNumber) logger.LogDebug() << "[CommMngr][Someip -> Zuva] Map exception";
+    if (!stateNumber) logger.LogDebug() << kMapException;
     // Reading a missing number throws in the middle of the line, on purpose: an unknown word has no business here, the write must fail.
     logger.LogInfo() << "[CommMngr] Translated ValueControl object specialState " << *specialState << " from zuva into specialState "
                      << stateNumber.value() << " for someip...";
@@ -127,7 +127,7 @@ SOMEIP_RESPONSE_TYPE CommunicationsManager::TellSomeIpToUpdate_ResetStatus(const
     if (!listener) return SOMEIP_RESPONSE_TYPE::SET_ERROR;
     return listener->Update_FactoryResetInfo(number);
   } catch (...) {  // an exception of the listener's is told like a missing word, on purpose
-    logger.LogDebug() << "[CommMngr][Someip -> Zuva] Map exception";
+    logger.LogDebug() << kMapException;
     return SOMEIP_RESPONSE_TYPE::SET_ERROR;
   }
 }

@@ -19,7 +19,6 @@ using enums::SOMEIP_RESPONSE_TYPE;
 using Kind = PostAnswer::Kind;
 
 constexpr const char* kNoValue = "no_value";
-constexpr std::uint32_t kNoNumber = 100000;  // stands for an absent number in the log
 
 constexpr PostRow kViewRow{
     .success = {.line = "[Zuva][Zuva -> SomeIp] View Success", .accepted = true},
@@ -188,7 +187,7 @@ PostStatus TROVZuVaServer::ValueControl_POSThandler(const ogm::Object& posted, s
   logger_.LogInfo() << "[Zuva][Zuva -> SomeIp] ValueControl Result for the validation checks: " << valid << "!";
   if (!valid) return POST_INVALID;
   const auto type = object->GetWord("type");
-  logger_.LogInfo() << "[Zuva][Zuva -> SomeIp] {Type - Value - SpecialState} : {" << type << " - " << value.value_or(kNoNumber) << " - "
+  logger_.LogInfo() << "[Zuva][Zuva -> SomeIp] {Type - Value - SpecialState} : {" << type << " - " << value.value_or(kAbsentNumber) << " - "
                     << TextOf(specialState) << "}";
   return Ask("ValueControl", [&](auto& mediator) { return mediator.TellSomeIpToUpdate_ValueControls(type, value, specialState); });
 }

@@ -79,6 +79,7 @@ class ChargingManagementCoreListener final : public getFutures::Abstract_GetFutu
   void OnReceived();
   template <class R>
   void ProcessGet(const std::chrono::milliseconds& timeout);
+  void ProcessGet(enums::SOMEIP_RESOURCE_TYPE resource, const std::chrono::milliseconds& timeout);
   template <class Record>
   void PassOnTyped(const Record& record, std::string_view noType);
   template <class R>

@@ -23,8 +23,8 @@ bool ChargingManagementCoreProxyWrapper::Set(const typename Row::Record& record,
   using Future = qe::com::Future<typename Row::Records>;
   const auto proxy = RequireProxy();
   const auto future = std::make_shared<Future>(((*proxy).*(Row::field)).set(typename Row::Records{record}));
-  auto former = future;
   {
+    auto former = future;  // ends here, answered or not: a write that still waits for it has its own share
     const std::lock_guard lock{setFuturesMutex_};
     std::get<PendingSet<Row>>(setFutures_).future.swap(former);
   }

@@ -17,7 +17,7 @@ void ChargingManagementCoreListener::StartListener() {
   proxyWrapper->StartFindService([weak = weak_from_this()](std::vector<Handle_type> handles) {
     if (const auto self = weak.lock()) self->OnServiceFound(std::move(handles));
   });
-  logger.LogInfo() << "Find Service started...";
+  logger.LogInfo() << someip::kFindStarted;
 }
 
 void ChargingManagementCoreListener::OnServiceFound(std::vector<Handle_type> handles) {

@@ -21,22 +21,31 @@ constexpr std::chrono::milliseconds kGetTimeout{2000};
 
 void ChargingManagementCoreListener::FetchData() {
   someip::Fetch(*proxyWrapper, logger, kFetchTexts, [this] {
-    ProcessGet_ChargingPlugs(kGetTimeout);
-    ProcessGet_ChargingProcessInformation(kGetTimeout);
-    ProcessGet_NotificationMarkers(kGetTimeout);
-    ProcessGet_Notifications(kGetTimeout);
-    ProcessGet_OruUpdateApprovals(kGetTimeout);
-    ProcessGet_PastErrorInformation(kGetTimeout);
-    ProcessGet_SwitchControls(kGetTimeout);
-    ProcessGet_ValueIndications(kGetTimeout);
-    ProcessGet_Views(kGetTimeout);
-    ProcessGet_Resets(kGetTimeout);
-    ProcessGet_ValueControls(kGetTimeout);
-    ProcessGet_BidirectionalChargingModes(kGetTimeout);
-    ProcessGet_BatteryCareModes(kGetTimeout);
-    ProcessGet_BatteryPreconditionings(kGetTimeout);
-    ProcessGet_BatteryPreconditioningEnergies(kGetTimeout);
+    for (const auto resource : kGetOrder) ProcessGet(resource, kGetTimeout);
   });
+}
+
+void ChargingManagementCoreListener::ProcessGet(SOMEIP_RESOURCE_TYPE resource, const std::chrono::milliseconds& timeout) {
+  // clang-format off
+  switch (resource) {
+    case SOMEIP_RESOURCE_TYPE::ChargingPlugs:                  return ProcessGet_ChargingPlugs(timeout);
+    case SOMEIP_RESOURCE_TYPE::ValueControls:                  return ProcessGet_ValueControls(timeout);
+    case SOMEIP_RESOURCE_TYPE::SwitchControls:                 return ProcessGet_SwitchControls(timeout);
+    case SOMEIP_RESOURCE_TYPE::Views:                          return ProcessGet_Views(timeout);
+    case SOMEIP_RESOURCE_TYPE::NotificationMarkers:            return ProcessGet_NotificationMarkers(timeout);
+    case SOMEIP_RESOURCE_TYPE::OruUpdateApprovals:             return ProcessGet_OruUpdateApprovals(timeout);
+    case SOMEIP_RESOURCE_TYPE::Notifications:                  return ProcessGet_Notifications(timeout);
+    case SOMEIP_RESOURCE_TYPE::FactoryResetData:               return ProcessGet_Resets(timeout);
+    case SOMEIP_RESOURCE_TYPE::chargingProcessInformation:     return ProcessGet_ChargingProcessInformation(timeout);
+    case SOMEIP_RESOURCE_TYPE::valueIndications:               return ProcessGet_ValueIndications(timeout);
+    case SOMEIP_RESOURCE_TYPE::pastErrorInformation:           return ProcessGet_PastErrorInformation(timeout);
+    case SOMEIP_RESOURCE_TYPE::BatteryCareModes:               return ProcessGet_BatteryCareModes(timeout);
+    case SOMEIP_RESOURCE_TYPE::BidirectionalChargingModes:     return ProcessGet_BidirectionalChargingModes(timeout);
+    case SOMEIP_RESOURCE_TYPE::BatteryPreconditionings:        return ProcessGet_BatteryPreconditionings(timeout);
+    case SOMEIP_RESOURCE_TYPE::BatteryPreconditioningEnergies: return ProcessGet_BatteryPreconditioningEnergies(timeout);
+    case SOMEIP_RESOURCE_TYPE::TargetSocChargings: break;  // the other service's
+  }
+  // clang-format on
 }
 
 // A time-out and an honest empty answer look the same here, on purpose: absence in a get is no deletion.

@@ -19,7 +19,7 @@ void Append(std::string& text, std::string_view label, const Opt<T>& value) {
   if (value) text.append(label).append(std::to_string(static_cast<std::int32_t>(*value)));
 }
 
-// This one resource also tells what its record holds: the mediator writes no line for it.
+// This one resource also shows what its record holds: the mediator writes no line for it. Built only for a log that wants it.
 std::string TextOf(const cmc::DT_chargingProcessInformation_struct& record) {
   std::string text;
   Append(text, "type = ", record.type);
@@ -42,7 +42,9 @@ template <class R>
 void ChargingManagementCoreListener::OnReceived() {
   someip::HandleSamples<R>(*proxyWrapper, logger, kNotified<R>, [&](const typename R::Record& record) {
     if constexpr (std::is_same_v<R, ChargingProcessInformation>) {
-      if (record.type) logger.LogInfo() << "[SomeIp] chargingProcessInformation - " << TextOf(record);
+      if (record.type && logger.IsLogEnabled(ara::log::LogLevel::kInfo)) {
+        logger.LogInfo() << "[SomeIp] chargingProcessInformation - " << TextOf(record);
+      }
     }
     PassOnTyped(record, kNotified<R>.noType);
   });

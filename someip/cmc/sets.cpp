@@ -15,12 +15,9 @@ namespace {
 
 constexpr std::chrono::seconds kSetTimeout{1};
 
-// How an absent optional shows in the log; it never goes into a record.
-constexpr std::uint32_t kAbsentMark = 100000;
-
 template <class T>
 std::uint32_t Mark(const Opt<T>& value) {
-  return value ? static_cast<std::uint32_t>(*value) : kAbsentMark;
+  return value ? static_cast<std::uint32_t>(*value) : kAbsentNumber;
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ void RouteBasedEnergyContentsListener::StartListener() {
   proxyWrapper->StartFindService([weak = weak_from_this()](std::vector<Handle_type> handles) {
     if (const auto self = weak.lock()) self->OnServiceFound(std::move(handles));
   });
-  logger.LogInfo() << "Find Service started...";
+  logger.LogInfo() << someip::kFindStarted;
 }
 
 void RouteBasedEnergyContentsListener::OnServiceFound(std::vector<Handle_type> handles) {

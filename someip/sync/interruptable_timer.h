@@ -9,10 +9,15 @@ namespace trov::someipSync {
 /// A waiter that can be stopped once and for ever: after StopWaiting every wait ends at once.
 class InterruptableTimer {
  public:
+  InterruptableTimer() = default;
+  virtual ~InterruptableTimer() = default;
+  InterruptableTimer(const InterruptableTimer&) = delete;
+  InterruptableTimer& operator=(const InterruptableTimer&) = delete;
+
   /// True when the whole duration elapsed, false when the wait was stopped.
-  bool WaitFor(const std::chrono::seconds& duration);
+  virtual bool WaitFor(const std::chrono::seconds& duration);
   /// From any thread.
-  void StopWaiting();
+  virtual void StopWaiting();
 
  private:
   std::mutex mutex_;  // guards stopped_

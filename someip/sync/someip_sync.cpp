@@ -8,11 +8,14 @@ namespace trov::someipSync {
 
 std::atomic<bool> SomeipSync::m_threadend{false};
 
-SomeipSync::SomeipSync(std::chrono::seconds firstWait, std::chrono::seconds cyclePeriod)
-    : initialWait{firstWait}, period{cyclePeriod}, logger{ara::log::CreateLogger("DSNC", "Data Sync for Charging Management Core")} {}
+SomeipSync::SomeipSync(std::chrono::seconds firstWait, std::chrono::seconds cyclePeriod, std::unique_ptr<InterruptableTimer> waiter)
+    : initialWait{firstWait},
+      period{cyclePeriod},
+      logger{ara::log::CreateLogger("DSNC", "Data Sync for Charging Management Core")},
+      timer{std::move(waiter)} {}
 
 SomeipSync::~SomeipSync() {
-  timer.StopWaiting();
+  timer->StopWaiting();
   if (thread && thread->joinable()) {
     thread->join();
     logger.LogInfo() << "[DataSync][DESTRUCTOR] Sync component ended normally.";
@@ -35,12 +38,12 @@ bool SomeipSync::isThreadEnded() {
 
 void SomeipSync::ThreadLoop() {
   // A stop in the first delay only shortens it: a first cycle follows all the same, and the wait behind it ends at once.
-  logger.LogInfo() << "SomeipSync initial wait before sync ended successfully: " << timer.WaitFor(initialWait);
+  logger.LogInfo() << "SomeipSync initial wait before sync ended successfully: " << timer->WaitFor(initialWait);
   if (m_threadend) return;
   do {
     logger.LogInfo() << "[DataSync] Secondary thread about to do get requests to someip...";
     for (const auto& client : clients) client->FetchData();
-    m_threadend = !timer.WaitFor(period);
+    m_threadend = !timer->WaitFor(period);
     logger.LogInfo() << "SomeipSync waited whole duration: " << !m_threadend;
   } while (!m_threadend);
 }

@@ -17,7 +17,9 @@ namespace trov::someipSync {
 /// The destruction is the stop; it waits for the cycle that runs.
 class SomeipSync {
  public:
-  SomeipSync(std::chrono::seconds firstWait, std::chrono::seconds cyclePeriod);
+  /// Waits by `waiter`, which tests drive by hand.
+  SomeipSync(std::chrono::seconds firstWait, std::chrono::seconds cyclePeriod,
+             std::unique_ptr<InterruptableTimer> waiter = std::make_unique<InterruptableTimer>());
   ~SomeipSync();
   SomeipSync(const SomeipSync&) = delete;
   SomeipSync& operator=(const SomeipSync&) = delete;
@@ -37,7 +39,7 @@ class SomeipSync {
   std::vector<std::shared_ptr<getFutures::Abstract_GetFutures>> clients;
   std::unique_ptr<std::thread> thread;
   ara::log::Logger& logger;
-  InterruptableTimer timer;
+  const std::unique_ptr<InterruptableTimer> timer;
 
   static std::atomic<bool> m_threadend;
 };

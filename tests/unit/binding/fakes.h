@@ -6,10 +6,12 @@
 #include "xr/com/execution/executor.h"
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -57,6 +59,7 @@ using Event = Field::Event;
 class HandDriven final : public xr::com::Executor {
  public:
   bool post(std::function<void()> job) override {
+    if (refusing) throw std::bad_alloc{};
     if (ended) return false;
     jobs.push_back(std::move(job));
     return true;
@@ -73,20 +76,26 @@ class HandDriven final : public xr::com::Executor {
 
   std::deque<std::function<void()>> jobs;
   bool ended = false;
+  bool refusing = false;
 };
 
-class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
+class FakePort : public xr::com::cpp_binding::proxy::Client_port {
  public:
   struct Call {
+    Call(Method_ref which, Bytes payload, std::function<void(Reply)> end)
+        : method{which}, request{std::move(payload)}, completion{std::move(end)} {}
     Method_ref method;
     Bytes request;
     std::function<void(Reply)> completion;
-    bool ready = false;
-    bool abandoned = false;
+    std::atomic<bool> ready = false;
+    std::atomic<bool> abandoned = false;
   };
 
   const std::string& service_name() const override { return name_; }
-  const qe::com::runtime::Instance_id& instance() const override { return instance_; }
+  const qe::com::runtime::Instance_id& instance() const override {
+    if (onInstance) onInstance();
+    return instance_;
+  }
   bool is_available(Method_ref) const override { return available; }
   void subscribe(std::uint16_t field, std::weak_ptr<xr::com::cpp_binding::proxy::Event_sink> wanted) override {
     ++subscriptions, subscribedField = field, sink = std::move(wanted);
@@ -95,7 +104,7 @@ class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
   void unsubscribe(std::uint16_t, const xr::com::cpp_binding::proxy::Event_sink*) override { --subscriptions; }
   std::unique_ptr<xr::com::cpp_binding::proxy::Pending_call> call(Method_ref method, xr::com::cpp_binding::proxy::Shared_payload request,
                                                                   std::function<void(Reply)> completion) override {
-    calls.push_back(std::make_shared<Call>(Call{method, *request, std::move(completion)}));
+    calls.push_back(std::make_shared<Call>(method, *request, std::move(completion)));
     return std::make_unique<Pending>(calls.back());
   }
 
@@ -120,6 +129,7 @@ class FakePort final : public xr::com::cpp_binding::proxy::Client_port {
   int subscriptions = 0;
   std::uint16_t subscribedField = 0;
   std::function<void()> onSubscribe;
+  std::function<void()> onInstance;  // asked for whenever an incident is written
   std::weak_ptr<xr::com::cpp_binding::proxy::Event_sink> sink;
   std::vector<std::shared_ptr<Call>> calls;
 

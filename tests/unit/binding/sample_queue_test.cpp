@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <numeric>
 #include <vector>
 
 namespace xr::com::cpp_binding::proxy {
@@ -67,28 +68,25 @@ TEST_P(CopySamples, FillsTheCache) {
   EXPECT_EQ(lastUpdate, queue.newest());
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, CopySamples,
-                         testing::Values(CopyRow{"ReplacesByTheNew", 5, 3, true, 9, {1, 2, 3}, {4, 5}, true},
-                                         CopyRow{"ReplacesByTheNewestOnly", 5, 0, true, 2, {-1}, {4, 5}, true},
-                                         CopyRow{"ReplacesByNothing", 5, 5, true, 9, {4, 5}, {}, false},
-                                         CopyRow{"AppendsWithRoom", 5, 3, false, 9, {1, 2, 3}, {1, 2, 3, 4, 5}, true},
-                                         CopyRow{"OldestGiveWay", 5, 3, false, 4, {1, 2, 3}, {2, 3, 4, 5}, true},
-                                         CopyRow{"FullOfNewReplaces", 5, 1, false, 3, {1}, {3, 4, 5}, true},
-                                         CopyRow{"AppendsNothing", 5, 5, false, 9, {1}, {1}, false},
-                                         CopyRow{"MarkOlderThanTheQueue",
-                                                 103,
-                                                 1,
-                                                 true,
-                                                 200,
-                                                 {},
-                                                 [] {
-                                                   std::vector<int> kept;
-                                                   for (int number = 4; number <= 103; ++number) kept.push_back(number);
-                                                   return kept;
-                                                 }(),
-                                                 true},
-                                         CopyRow{"NoRoomAtAll", 2, 0, true, 0, {}, {}, false}),
-                         [](const auto& row) { return std::string{row.param.name}; });
+std::vector<int> FromTo(int first, int last) {
+  std::vector<int> numbers(static_cast<std::size_t>(last - first + 1));
+  std::iota(numbers.begin(), numbers.end(), first);
+  return numbers;
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Rows, CopySamples, testing::Values(
+    CopyRow{"ReplacesByTheNew",        5, 3, true,  9, {1, 2, 3}, {4, 5}, true},
+    CopyRow{"ReplacesByTheNewestOnly", 5, 0, true,  2, {-1}, {4, 5}, true},
+    CopyRow{"ReplacesByNothing",       5, 5, true,  9, {4, 5}, {}, false},
+    CopyRow{"AppendsWithRoom",         5, 3, false, 9, {1, 2, 3}, {1, 2, 3, 4, 5}, true},
+    CopyRow{"OldestGiveWay",           5, 3, false, 4, {1, 2, 3}, {2, 3, 4, 5}, true},
+    CopyRow{"FullOfNewReplaces",       5, 1, false, 3, {1}, {3, 4, 5}, true},
+    CopyRow{"AppendsNothing",          5, 5, false, 9, {1}, {1}, false},
+    CopyRow{"MarkOlderThanTheQueue",   103, 1, true, 200, {}, FromTo(4, 103), true},
+    CopyRow{"NoRoomAtAll",             2, 0, true,  0, {}, {}, false}),
+    [](const auto& row) { return std::string{row.param.name}; });
+// clang-format on
 
 }  // namespace
 }  // namespace xr::com::cpp_binding::proxy

@@ -11,7 +11,9 @@
 
 #include "commmngr/communications_manager.h"
 #include "model/records_charging_management_core.h"
+#include "tests/support/wait_for.h"
 #include "tests/unit/commmngr/neighbours.h"
+#include "tests/unit/commmngr/sleeping_thread.h"
 
 namespace trov::testing {
 namespace {
@@ -105,17 +107,17 @@ TEST(MediatorLocks, UpdatesOfOneKindPassOneAfterAnotherAndHoldUpNoOtherKind) {
     manager.SetZuva(rest);
     auto first = std::async(std::launch::async, [&] { kind.tell(manager); });
     inside.get_future().wait();
-    auto second = std::async(std::launch::async, [&] { kind.tell(manager); });
+    const WatchedThread second{[&] { kind.tell(manager); }};
     auto others = std::async(std::launch::async, [&] {
       manager.TellZuvaToUpdate_Registry(true);
       for (const auto& other : kKinds)
         if (other.name != kind.name) other.tell(manager);
     });
     EXPECT_EQ(others.wait_for(std::chrono::seconds{10}), std::future_status::ready) << kind.name << " held up another kind";
-    EXPECT_EQ(second.wait_for(std::chrono::milliseconds{20}), std::future_status::timeout) << "two of " << kind.name << " at once";
+    EXPECT_TRUE(test_support::WaitFor([&] { return second.Sleeps() || entered > 1; }));
+    EXPECT_EQ(entered, 1) << "two of " << kind.name << " at once";
     leave.set_value();
     first.get();
-    second.get();
   }
 }
 
@@ -123,7 +125,9 @@ TEST(MediatorLocks, UpdatesOfOneKindPassOneAfterAnotherAndHoldUpNoOtherKind) {
 TEST(MediatorLocks, OnlyTheNavigationTargetsOwnControlWaitsForIt) {
   using Type = cmc::DT_ChargingManagementCore_valueControls_type;
   std::promise<void> inside, leave;
+  std::atomic<int> controls{0};
   const auto rest = std::make_shared<Rest>();
+  ON_CALL(*rest, Update_ValueControls).WillByDefault([&](auto&&) { ++controls; });
   ON_CALL(*rest, Update_NavTargetSoc).WillByDefault([&](auto&&) {
     inside.set_value();
     leave.get_future().wait();
@@ -133,10 +137,10 @@ TEST(MediatorLocks, OnlyTheNavigationTargetsOwnControlWaitsForIt) {
   auto target = std::async(std::launch::async, [&] { manager.TellZuvaToUpdate_NavTargetSoc(1); });
   inside.get_future().wait();
   TellControl(manager, Type::bidirectionalChargingModesMinSoc);
-  auto own = std::async(std::launch::async, [&] { TellControl(manager, Type::immediateChargingOptionsNavTargetSoc); });
-  EXPECT_EQ(own.wait_for(std::chrono::milliseconds{50}), std::future_status::timeout);
+  const WatchedThread own{[&] { TellControl(manager, Type::immediateChargingOptionsNavTargetSoc); }};
+  EXPECT_TRUE(test_support::WaitFor([&] { return own.Sleeps() || controls > 1; }));
+  EXPECT_EQ(controls, 1);
   leave.set_value();
-  own.get();
   target.get();
 }
 

@@ -8,8 +8,6 @@
 namespace trov::testing {
 namespace {
 
-using ::testing::InSequence;
-
 class TowardRest : public ::testing::Test {
  protected:
   TowardRest() { manager.SetZuva(rest); }
@@ -32,14 +30,6 @@ TEST_F(TowardRest, WithoutANeighbourUpdatesAreDroppedInSilence) {
   manager.TellZuvaToUpdate_Registry(true);
   manager.TellZuvaToUpdate_NavTargetSoc(1);
   manager.TellZuvaToUpdate_ResetToFactoryData({}, {});
-}
-
-TEST_F(TowardRest, TheRegistryFlagPassesUnchanged) {
-  const InSequence order;
-  EXPECT_CALL(*rest, Update_Registry(false));
-  EXPECT_CALL(*rest, Update_Registry(true));
-  manager.TellZuvaToUpdate_Registry(false);
-  manager.TellZuvaToUpdate_Registry(true);
 }
 
 }  // namespace

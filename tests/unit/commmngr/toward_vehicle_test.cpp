@@ -1,13 +1,16 @@
-#include <atomic>
-#include <chrono>
+#include <future>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "commmngr/communications_manager.h"
+#include "tests/support/wait_for.h"
 #include "tests/unit/commmngr/neighbours.h"
+#include "tests/unit/commmngr/sleeping_thread.h"
 
 #include "ara/log/testing/capture.h"
 
@@ -89,28 +92,24 @@ TEST_F(TowardVehicle, AnAbsentResetWordIsAnErrorWithoutALineAndAListenersExcepti
 }
 
 TEST_F(TowardVehicle, AWriterGetsItsTurnWhileTheNavigationRelaysTargetAfterTarget) {
-  std::atomic<int> relayed = 0;
-  int relayedBefore = 0;
-  EXPECT_CALL(*vehicle, Update_ValueControls(_, _, _, "RBEC")).WillRepeatedly([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds{5});
-    ++relayed;
-    return SOMEIP_RESPONSE_TYPE::SET_TIMEOUT;
-  });
-  EXPECT_CALL(*vehicle, Update_ValueControls(_, _, _, "ZUVA")).WillRepeatedly([&] {
-    relayedBefore = relayed;
+  std::promise<void> inside, leave;
+  std::vector<std::string> order;  // guarded by the mediator's own mutex
+  EXPECT_CALL(*vehicle, Update_ValueControls).WillRepeatedly([&](auto, auto&&, auto&&, const std::string& source) {
+    if (order.empty()) inside.set_value(), leave.get_future().wait();
+    order.push_back(source);
     return SOMEIP_RESPONSE_TYPE::SET_SUCCESS;
   });
-  std::atomic<bool> done = false;
   std::thread navigation{[&] {
-    while (!done) manager.TellSomeIpToUpdate_NavTargetSoc(80);
+    for (int relay = 0; relay < 20; ++relay) manager.TellSomeIpToUpdate_NavTargetSoc(80);
   }};
-  for (int write = 0; write < 40; ++write) {
-    const int relayedAtFirst = relayed;
-    manager.TellSomeIpToUpdate_ValueControls("bidirectionalChargingModesMinSoc", Some(1U), {});
-    EXPECT_LE(relayedBefore, relayedAtFirst + 2);
+  inside.get_future().wait();
+  {
+    const WatchedThread writer{[&] { manager.TellSomeIpToUpdate_ValueControls("bidirectionalChargingModesMinSoc", Some(1U), {}); }};
+    EXPECT_TRUE(test_support::WaitFor([&] { return writer.Sleeps(); }));
+    leave.set_value();
   }
-  done = true;
   navigation.join();
+  EXPECT_EQ(order.at(1), "ZUVA") << "behind the relay that ran, before the nineteen that came later";
 }
 
 TEST_F(TowardVehicle, WithoutAListenerEveryWriteIsAnError) {

@@ -23,18 +23,6 @@ TEST(Optional, ReadingAnEmptyOneThrowsInEveryWay) {
   EXPECT_THROW(*std::move(word), bad_optional_access);
 }
 
-TEST(Optional, KeepsWhatItWasAssignedUntilReset) {
-  optional<std::string> word;
-  word = "newRequest";
-  optional<std::string> copy = word;
-  word = std::nullopt;
-
-  EXPECT_EQ(*copy, "newRequest");
-  EXPECT_FALSE(word.has_value());
-  const auto taken = *std::move(copy);
-  EXPECT_EQ(taken, "newRequest");
-}
-
 TEST(Optional, ComparesByPresenceAndValue) {
   const optional<int> absent;
   const optional<int> zero{0};

@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <numeric>
 #include <type_traits>
 #include <vector>
 
@@ -16,13 +15,6 @@ namespace cmc = ylt::services::chargingmanagementcore::datatypes;
 namespace rbec = ylt::services::routebasedenergycontents::datatypes;
 using xr::com::someip::serialization::Structure_tag;
 using xr::com::someip::serialization::Wire_type;
-
-template <class Record>
-std::vector<std::uint16_t> Ids() {
-  std::vector<std::uint16_t> ids;
-  for (const auto& tag : Record::get_tlv_tags()) ids.push_back(tag.data_id());
-  return ids;
-}
 
 /// The one wire type that a member's type may have.
 template <class T>
@@ -63,21 +55,9 @@ TYPED_TEST(Records, VisitGivesEachMemberWithItsTagInTheOrderOfTheTagList) {
   EXPECT_EQ(visited, visitedConstant);
 }
 
-TEST(RecordTags, FollowTheMembersAndNotTheIds) {
-  EXPECT_THAT(Ids<cmc::DT_notifications_struct>(), testing::ElementsAre(0, 1, 3, 2));
-  EXPECT_THAT(Ids<cmc::DT_chargingPlugs_struct>(), testing::ElementsAre(0, 1, 2, 6, 3, 4, 5));
-}
-
-TEST(RecordTags, ChargingProcessInformationShufflesTwentySixIds) {
-  auto ids = Ids<cmc::DT_chargingProcessInformation_struct>();
-  std::vector<std::uint16_t> all(26);
-  std::iota(all.begin(), all.end(), std::uint16_t{0});
-
-  EXPECT_NE(ids, all);
-  EXPECT_EQ(ids[2], 16);  // activeTargetSoc
-  std::sort(ids.begin(), ids.end());
-  EXPECT_EQ(ids, all);
-}
+// The wire order of a tag; its top bit is reserved and ignored on reading.
+static_assert(Structure_tag{Wire_type::four_byte_length_field, 0x123}.bytes() == std::array<std::uint8_t, 2>{0x71, 0x23});
+static_assert(Structure_tag{{{0xAF, 0xFF}}}.wire_type() == Wire_type::four_bytes && Structure_tag{{{0xAF, 0xFF}}}.data_id() == 0xFFF);
 
 TEST(RecordValues, AreEqualOnlyIfTheSameMembersArePresent) {
   cmc::DT_notificationMarkers_struct marker;

@@ -1,11 +1,16 @@
 #include <atomic>
+#include <condition_variable>
 #include <future>
 #include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "someip/sync/someip_sync.h"
+#include "tests/support/wait_for.h"
 
 #include "ara/log/testing/capture.h"
 
@@ -17,13 +22,44 @@ using someipSync::SomeipSync;
 using std::chrono::seconds;
 using ::testing::ElementsAre;
 
-class CountingClient : public getFutures::Abstract_GetFutures {
- public:
-  void FetchData() override {
-    if (++fetches == 1) first.set_value();
-  }
-  std::promise<void> first;
+struct CountingClient : getFutures::Abstract_GetFutures {
+  void FetchData() override { ++fetches; }
   std::atomic<int> fetches{0};
+};
+
+/// Lets a wait pass when the test says so, whatever its duration.
+class HandTimer : public InterruptableTimer {
+ public:
+  bool WaitFor(const seconds& duration) override {
+    std::unique_lock lock{mutex_};
+    waits_.push_back(duration);
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return stopped_ || passed_ == waits_.size(); });
+    return !stopped_;
+  }
+  void StopWaiting() override {
+    const std::lock_guard lock{mutex_};
+    stopped_ = true;
+    changed_.notify_all();
+  }
+  /// The duration of the n-th wait, once it has begun.
+  seconds Begun(std::size_t n) {
+    std::unique_lock lock{mutex_};
+    EXPECT_TRUE(changed_.wait_for(lock, test_support::kPatience, [&] { return waits_.size() >= n; })) << n;
+    return waits_.size() >= n ? waits_[n - 1] : seconds{-1};
+  }
+  void Pass() {
+    const std::lock_guard lock{mutex_};
+    passed_ = waits_.size();
+    changed_.notify_all();
+  }
+
+ private:
+  std::mutex mutex_;  // guards the members below
+  std::condition_variable changed_;
+  std::vector<seconds> waits_;
+  std::size_t passed_ = 0;
+  bool stopped_ = false;
 };
 
 TEST(InterruptableTimer, OnceStoppedNeverWaitsAgain) {
@@ -50,12 +86,29 @@ TEST(SomeipSync, AStopInTheFirstDelayStillRunsOneCycle) {
                                        "SomeipSync waited whole duration: false", "[DataSync][DESTRUCTOR] Sync component ended normally."));
 }
 
-TEST(SomeipSync, AStopInAPeriodEndsItAtOnce) {
+TEST(SomeipSync, FetchesAfterTheFirstWaitAndThenOnceAPeriodUntilItGoes) {
   const auto client = std::make_shared<CountingClient>();
-  SomeipSync sync{seconds{0}, seconds{3600}};
+  auto owned = std::make_unique<HandTimer>();
+  auto& timer = *owned;
+  SomeipSync sync{seconds{5}, seconds{120}, std::move(owned)};
   sync.AddClient(client);
   sync.StartSync();
-  EXPECT_EQ(client->first.get_future().wait_for(seconds{10}), std::future_status::ready);
+  for (std::size_t cycle = 0; cycle < 4; ++cycle) {
+    EXPECT_EQ(timer.Begun(cycle + 1), cycle == 0 ? seconds{5} : seconds{120});
+    EXPECT_EQ(client->fetches, static_cast<int>(cycle));
+    timer.Pass();
+  }
+  timer.Begun(5);
+}
+
+TEST(SomeipSync, TheFirstOnesEndIsTheEndOfAllInThisProcess) {
+  const auto client = std::make_shared<CountingClient>();
+  for (int turn = 0; turn < 2; ++turn) {
+    SomeipSync sync{seconds{0}, seconds{3600}};
+    sync.AddClient(client);
+    sync.StartSync();
+  }
+  EXPECT_EQ(client->fetches, 1) << "the second finds the flag set";
 }
 
 TEST(SomeipSync, NeverStartedItHasNothingToJoin) {

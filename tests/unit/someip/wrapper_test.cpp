@@ -41,6 +41,9 @@ Lines LinesAboutUnserved(enums::SOMEIP_RESOURCE_TYPE resource) {
   wrapper.SetReceiveHandler(resource, [] {});
   wrapper.Cleanup(resource);
   wrapper.SomeIp_Get(resource, std::chrono::milliseconds{0});
+  if constexpr (requires { &Wrapper::SomeIp_Set; }) {
+    EXPECT_TRUE(wrapper.SomeIp_Set(resource, {}, std::chrono::seconds{0})) << "as if the time had run out";
+  }
   return capture.Lines();
 }
 
@@ -71,12 +74,12 @@ TEST(Wrappers, ASecondFindThatFailsLeavesTheFirstOneRunningAndSaysBoth) {
 }
 
 TEST(Wrappers, TellWhatTheyDoNotServe) {
-  EXPECT_EQ(
-      LinesAboutUnserved<ChargingManagementCoreProxyWrapper>(enums::SOMEIP_RESOURCE_TYPE::TargetSocChargings),
-      (Lines{"[cmcwrapper] Update not implemented for this data type.", "[cmcwrapper] Subscribe not implemented for this data type.",
-             "[cmcwrapper] GetCachedSamples not implemented for this data type.",
-             "[cmcwrapper] SetReceiveHandler not implemented for this data type.",
-             "[cmcwrapper] Cleanup not implemented for this data type.", "[cmcwrapper] Get not implemented for this someip data type."}));
+  EXPECT_EQ(LinesAboutUnserved<ChargingManagementCoreProxyWrapper>(enums::SOMEIP_RESOURCE_TYPE::TargetSocChargings),
+            (Lines{"[cmcwrapper] Update not implemented for this data type.", "[cmcwrapper] Subscribe not implemented for this data type.",
+                   "[cmcwrapper] GetCachedSamples not implemented for this data type.",
+                   "[cmcwrapper] SetReceiveHandler not implemented for this data type.",
+                   "[cmcwrapper] Cleanup not implemented for this data type.",
+                   "[cmcwrapper] Get not implemented for this someip data type.", "[cmcwrapper] Set not implemented for this data type."}));
   EXPECT_EQ(
       LinesAboutUnserved<RouteBasedEnergyContentsProxyWrapper>(enums::SOMEIP_RESOURCE_TYPE::Views),
       (Lines{"[rbewrapper] Update not implemented for this data type.", "[rbewrapper] Subscribe not implemented for this data type.",
