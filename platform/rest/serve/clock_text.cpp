@@ -17,7 +17,6 @@ std::tm Broken(std::time_t time) {
 const std::string& DateLine::Get() {
   const auto now = std::time(nullptr);
   if (now == second_) return line_;
-  second_ = now;
   // Spelt out, since strftime's names of days and months follow the locale.
   static constexpr std::array kDays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
   static constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
@@ -27,6 +26,7 @@ const std::string& DateLine::Get() {
                       kDays[static_cast<std::size_t>(t.tm_wday)], t.tm_mday, kMonths[static_cast<std::size_t>(t.tm_mon)], t.tm_year + 1900,
                       t.tm_hour, t.tm_min, t.tm_sec);
   line_ = text.data();
+  second_ = now;  // last: without memory for the line it is made anew
   return line_;
 }
 
