@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     const auto config = serve::ParseConfig({reinterpret_cast<const char*>(data), size});
     const serve::HostRules rules{config};
-    rules.AllowsHost("car:80", boost::asio::ip::make_address("::1"));
+    rules.KindOf("car:80", boost::asio::ip::make_address("::1"));
     rules.AllowsOrigin("http://app", "car");
     serve::HttpRequest request;
     request.authorization = "Bearer w";

@@ -4,10 +4,13 @@
 #include <utility>
 #include <variant>
 
+#include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/ssl/stream_base.hpp>
+#include <boost/beast/core/bind_handler.hpp>
 #include <boost/beast/core/error.hpp>
 #include <boost/beast/core/role.hpp>
 #include <boost/beast/ssl/ssl_stream.hpp>
@@ -48,8 +51,16 @@ class ClientStream {
   }
   template <class Buffers, class Handler>
   auto async_write_some(const Buffers& buffers, Handler&& handler) {
+    if (dropsWrites_) {
+      const auto size = boost::asio::buffer_size(buffers);
+      return boost::asio::post(get_executor(),
+                               boost::beast::bind_front_handler(std::forward<Handler>(handler), boost::system::error_code{}, size));
+    }
     return std::visit([&](auto& stream) { return stream.async_write_some(buffers, std::forward<Handler>(handler)); }, stream_);
   }
+
+  /// While it drops writes they end well and send nothing: for an answer that has been sent in other words.
+  void DropWrites(bool drop) { dropsWrites_ = drop; }
 
   /// Both with TLS only.
   template <class Handler>
@@ -77,6 +88,7 @@ class ClientStream {
   using Stream = std::variant<Tcp, Tls>;
 
   Stream stream_;
+  bool dropsWrites_ = false;
 };
 
 }  // namespace zuva::serve

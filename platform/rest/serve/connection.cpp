@@ -1,9 +1,12 @@
 #include "serve/connection.h"
 
+#include <algorithm>
+#include <exception>
 #include <utility>
-#include <vector>
 
 #include <poll.h>
+
+#include "zuva/logger.h"
 
 namespace zuva::serve {
 
@@ -13,11 +16,13 @@ bool HasLeft(boost::asio::ip::tcp::socket& socket) {
 }
 
 void Connections::Add(std::shared_ptr<Connection> connection) {
+  const auto needed = all_.size() + 1;
+  if (visited_.capacity() < needed) visited_.reserve(std::max(needed, 2 * visited_.capacity()));
   auto* const key = connection.get();
   all_.emplace(key, std::move(connection));
 }
 
-void Connections::Remove(Connection* connection) {
+void Connections::Remove(Connection* connection) noexcept {
   all_.erase(connection);
 }
 
@@ -37,11 +42,22 @@ bool Connections::CloseLongestIdle() {
   return true;
 }
 
-void Connections::ForEach(const std::function<void(Connection&)>& visit) {
-  std::vector<std::shared_ptr<Connection>> present;
-  present.reserve(all_.size());
-  for (const auto& [connection, owner] : all_) present.push_back(owner);
-  for (const auto& connection : present) visit(*connection);
+void Connections::ForEach(const std::function<void(Connection&)>& visit) noexcept {
+  auto visited = std::exchange(visited_, {});
+  for (const auto& [connection, owner] : all_) visited.push_back(owner);
+  for (const auto& connection : visited) {
+    try {
+      OrAbort(*connection, [&] { visit(*connection); });
+    } catch (const std::exception& e) {
+      GetLogger().LogError() << "A connection was ended: " << e;
+    }
+  }
+  visited.clear();
+  visited_ = std::move(visited);
+}
+
+void Connections::AbortAll() noexcept {
+  ForEach([](Connection& connection) { connection.Abort(); });
 }
 
 }  // namespace zuva::serve

@@ -40,7 +40,9 @@ bool Conversation::Handle(std::string_view text) {
 }
 
 void Conversation::EndSubscriptions() {
-  for (const auto& [id, subscription] : subscriptions_) hub_.subscriptions.End(*subscription);
+  for (const auto& [id, subscription] : subscriptions_) {
+    if (subscription) hub_.subscriptions.End(*subscription);  // none: subscribing failed, and the connection is about to end
+  }
   subscriptions_.clear();
 }
 
@@ -70,8 +72,10 @@ bool Conversation::Set(Message message, const Echo& echo) {
   auto write = std::make_shared<TreeWrite>(
       std::move(destination), std::string{target->path}, std::move(message.document), *message.value, [this] { return !socket_.HasLeft(); },
       [this, keep = socket_.Keep(), echo](const ServerReply* reply) {
-        Answer(WriteAnswer(echo, reply));
-        keep->OnAnswered();
+        OrAbort(*keep, [&] {
+          Answer(WriteAnswer(echo, reply));
+          keep->OnAnswered();
+        });
       });
   if (!hub_.posts.Submit(resource, std::move(write))) return refuse(503, kBusy);
   return false;
@@ -88,10 +92,10 @@ void Conversation::Subscribe(const Message& message, const Echo& echo) {
   if (query.identity || query.specification || query.projected) return refuse(400, "A subscription takes equality filters only");
   if (!query.filters.empty() && (!destination.resource || destination.element)) return refuse(400, "Only a resource takes filters");
   if (subscriptions_.size() >= hub_.config.limits.subscriptionsPerClient) return refuse(429, "Too many subscriptions");
-  auto id = std::to_string(++lastId_);
+  const auto id = std::to_string(++lastId_);
   Answer(SubscriptionAnswer(echo, id));
-  auto subscription = hub_.subscriptions.Subscribe(socket_, id, destination, std::move(target->query), message.path);
-  subscriptions_.emplace(std::move(id), std::move(subscription));
+  auto& place = subscriptions_[id];  // first: one that is subscribed already can be kept
+  place = hub_.subscriptions.Subscribe(socket_, id, destination, std::move(target->query), message.path);
 }
 
 void Conversation::Unsubscribe(const Message& message, const Echo& echo) {
@@ -113,6 +117,7 @@ std::string Conversation::PlainAnswer(const Echo& echo, const ServerReply::Answe
 
 std::string Conversation::WriteAnswer(const Echo& echo, const ServerReply* reply) {
   if (!reply) return ErrorAnswer(echo, 503, kBusy);
+  if (!reply->IsAnswered()) return ErrorAnswer(echo, 500, StatusTitle(500));
   return reply->GetBody() ? SetAnswer(echo, reply->GetBody()->body) : PlainAnswer(echo, *reply->GetAnswer());
 }
 

@@ -27,6 +27,8 @@ class Conversation {
     virtual std::shared_ptr<Socket> Keep() = 0;
     /// Whether the client has closed its side.
     virtual bool HasLeft() = 0;
+    /// Ends the socket at once.
+    virtual void Abort() noexcept = 0;
     /// The answer that the last message left outstanding is in the outbox; the next message may come.
     virtual void OnAnswered() = 0;
   };

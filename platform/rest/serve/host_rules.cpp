@@ -16,6 +16,29 @@ struct Authority {
   std::string_view port;  // may be empty
 };
 
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::string_view kHexDigits = "0123456789abcdef";
+constexpr std::size_t kLongestPort = 5;
+
+/// Whether this is a name as a URI may have it, in lower case (RFC 3986 section 3.2.2).
+bool IsName(std::string_view text) {
+  constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,;=";
+  for (; !text.empty(); text.remove_prefix(1)) {
+    if (kPlain.find(text.front()) != std::string_view::npos) continue;
+    const bool isEscape =
+        text.front() == '%' && text.size() > 2 && text.substr(1, 2).find_first_not_of(kHexDigits) == std::string_view::npos;
+    if (!isEscape) return false;
+    text.remove_prefix(2);
+  }
+  return true;
+}
+
+bool IsAddress6(std::string_view text) {
+  boost::system::error_code error;
+  ip::make_address_v6(std::string{text}, error);
+  return !error;
+}
+
 std::optional<Authority> Split(std::string_view text) {
   Authority result;
   std::string_view rest;
@@ -24,16 +47,17 @@ std::optional<Authority> Split(std::string_view text) {
     if (end == std::string_view::npos) return std::nullopt;
     result.host = LowerCase(text.substr(1, end - 1));
     rest = text.substr(end + 1);
+    if (!IsAddress6(result.host)) return std::nullopt;
   } else {
     const auto end = std::min(text.find(':'), text.size());
     result.host = LowerCase(text.substr(0, end));
     rest = text.substr(end);
+    if (result.host.empty() || !IsName(result.host)) return std::nullopt;
   }
-  if (result.host.empty()) return std::nullopt;
   if (rest.empty()) return result;
-  if (rest.front() != ':' || rest.size() > 6) return std::nullopt;
+  if (rest.front() != ':') return std::nullopt;
   rest.remove_prefix(1);
-  if (!std::all_of(rest.begin(), rest.end(), [](char c) { return c >= '0' && c <= '9'; })) return std::nullopt;
+  if (rest.size() > kLongestPort || rest.find_first_not_of(kDigits) != std::string_view::npos) return std::nullopt;
   if (!rest.empty()) result.port = rest;
   return result;
 }
@@ -55,15 +79,17 @@ HostRules::HostRules(const Config& config)
   allHosts_ = std::find(hosts_.begin(), hosts_.end(), "*") != hosts_.end();
 }
 
-bool HostRules::AllowsHost(std::string_view host, const ip::address& local) const {
+HostKind HostRules::KindOf(std::string_view host, const ip::address& local) const {
+  if (host.empty()) return HostKind::kForeign;
   const auto authority = Split(host);
-  if (!authority) return false;
-  if (allHosts_ || authority->host == "localhost") return true;
-  if (std::find(hosts_.begin(), hosts_.end(), authority->host) != hosts_.end()) return true;
+  if (!authority) return HostKind::kInvalid;
+  if (allHosts_ || authority->host == "localhost") return HostKind::kOwn;
+  if (std::find(hosts_.begin(), hosts_.end(), authority->host) != hosts_.end()) return HostKind::kOwn;
   boost::system::error_code error;
   const auto address = ip::make_address(authority->host, error);
-  if (error) return false;
-  return address == Plain(local) || std::find(addresses_.begin(), addresses_.end(), address) != addresses_.end();
+  if (error) return HostKind::kForeign;
+  const bool isOwn = address == Plain(local) || std::find(addresses_.begin(), addresses_.end(), address) != addresses_.end();
+  return isOwn ? HostKind::kOwn : HostKind::kForeign;
 }
 
 bool HostRules::IsListed(std::string_view origin) const {

@@ -1,5 +1,6 @@
 #include "serve/http_handler.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -11,6 +12,9 @@
 namespace zuva::serve {
 namespace {
 
+constexpr std::string_view kBadHost = "Malformed host";
+constexpr std::string_view kBadTarget = "Malformed request target";
+
 Verdict Answer(Response response) {
   Verdict verdict;
   verdict.response = std::move(response);
@@ -21,14 +25,46 @@ Verdict Problem(unsigned code, std::string_view detail, std::string_view fields 
   return Answer(ProblemResponse(code, detail, fields));
 }
 
-/// The origin form of a target, which may have come in absolute form (RFC 9112 section 3.2.2).
-std::string_view OriginForm(std::string_view target) {
-  for (const std::string_view scheme : {"http://", "https://"}) {
-    if (!EqualsIgnoringCase(target.substr(0, scheme.size()), scheme)) continue;
-    const auto path = target.find_first_of("/?", scheme.size());
-    return path == std::string_view::npos ? std::string_view{"/"} : target.substr(path);
+/// What a request asks for, and under which name.
+struct Address {
+  std::string_view host;  ///< of the target where that has one, else of the `Host` field
+  std::string_view target;
+};
+
+/// Takes an absolute form apart (RFC 9112 section 3.2.2); nothing if it is not of this server's scheme or has no authority.
+std::optional<Address> AddressOf(const Hub& hub, const HttpRequest& request) {
+  const std::string_view target = request.target;
+  if (target.starts_with('/') || target.find("://") == std::string_view::npos) return Address{request.host, target};
+  const auto scheme = hub.rules.Scheme();
+  if (!EqualsIgnoringCase(target.substr(0, scheme.size()), scheme)) return std::nullopt;
+  const auto end = std::min(target.find_first_of("/?#", scheme.size()), target.size());
+  if (end == scheme.size()) return std::nullopt;
+  return Address{target.substr(scheme.size(), end - scheme.size()), end == target.size() ? std::string_view{"/"} : target.substr(end)};
+}
+
+/// Refuses a request that does not name this server. `knownHost` spares the question for a name that has passed.
+std::optional<Verdict> RefuseHost(const Hub& hub, const HttpRequest& request, const Address& address, const boost::asio::ip::address& local,
+                                  std::string& knownHost) {
+  const bool isAbsolute = address.host.data() != request.host.data();
+  if (isAbsolute && hub.rules.KindOf(request.host, local) == HostKind::kInvalid) return Problem(400, kBadHost);
+  if (!knownHost.empty() && address.host == knownHost) return std::nullopt;
+  switch (hub.rules.KindOf(address.host, local)) {
+    case HostKind::kInvalid:
+      return Problem(400, kBadHost);
+    case HostKind::kForeign:
+      return Problem(421, "This server does not go by that name");
+    case HostKind::kOwn:
+      break;
   }
-  return target;
+  knownHost = address.host;
+  return std::nullopt;
+}
+
+/// Whether this stands for 16 bytes in base64 (RFC 6455 section 4.2.1).
+bool IsWebSocketKey(std::string_view key) {
+  constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  constexpr std::size_t kLength = 24;
+  return key.size() == kLength && key.find_first_not_of(kDigits) == kLength - 2 && key.ends_with("==");
 }
 
 Method TreeMethod(HttpMethod method) {
@@ -49,8 +85,8 @@ Method TreeMethod(HttpMethod method) {
 }
 
 /// A page's browser asks whether the page may write. It shows no token when it asks.
-bool IsPreflight(const Hub& hub, const HttpRequest& request) {
-  return request.method == HttpMethod::kOptions && !request.requestedMethod.empty() && hub.rules.AllowsOrigin(request.origin, request.host);
+bool IsPreflight(const Hub& hub, const HttpRequest& request, std::string_view host) {
+  return request.method == HttpMethod::kOptions && !request.requestedMethod.empty() && hub.rules.AllowsOrigin(request.origin, host);
 }
 
 /// The file that a path stands for, if no service owns the path.
@@ -60,7 +96,7 @@ std::shared_ptr<const Document> FindDocument(const Hub& hub, std::string_view pa
   return hub.tree.FindOnIo(first) ? nullptr : hub.documents->Find(path);
 }
 
-Verdict JudgeOptions(Hub& hub, const HttpRequest& request, std::string_view path) {
+Verdict JudgeOptions(Hub& hub, const HttpRequest& request, std::string_view host, std::string_view path) {
   std::string_view allow = XObjectEndpoint::kWritable;
   if (path != "*") {
     const auto destination = hub.tree.FindOnIo(path);
@@ -68,26 +104,27 @@ Verdict JudgeOptions(Hub& hub, const HttpRequest& request, std::string_view path
     allow = destination ? destination.endpoint->AllowedMethods() : XObjectEndpoint::kReadOnly;
   }
   std::string fields = "Allow: " + std::string{allow} + "\r\n";
-  if (IsPreflight(hub, request)) {
+  if (IsPreflight(hub, request, host)) {
     fields += "Access-Control-Allow-Methods: POST\r\nAccess-Control-Allow-Headers: content-type";
     fields += hub.tokens.AreNeeded() ? ", authorization\r\n" : "\r\n";
   }
   return Answer(EmptyResponse(fields));
 }
 
-Verdict JudgeUpgrade(Hub& hub, const HttpRequest& request) {
-  if (!request.origin.empty() && !hub.rules.AllowsOrigin(request.origin, request.host)) return Problem(403, "Foreign origin");
-  if (request.webSocketVersion != "13")
-    return Problem(426, "WebSocket version 13 is needed", "Upgrade: websocket\r\nSec-WebSocket-Version: 13\r\n");
-  constexpr std::size_t kKeyLength = 24;  // 16 bytes in base64
-  if (request.webSocketKey.size() != kKeyLength) return Problem(400, "Bad Sec-WebSocket-Key");
+Verdict JudgeUpgrade(Hub& hub, const HttpRequest& request, std::string_view host) {
+  if (!request.origin.empty() && !hub.rules.AllowsOrigin(request.origin, host)) return Problem(403, "Foreign origin");
+  if (request.version < 11) return Problem(400, "A WebSocket needs HTTP/1.1");
+  if (request.webSocketVersion != "13") {
+    return Problem(426, "WebSocket version 13 is needed", "Connection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n");
+  }
+  if (!IsWebSocketKey(request.webSocketKey)) return Problem(400, "Bad Sec-WebSocket-Key");
   Verdict verdict;
   verdict.kind = Verdict::Kind::kUpgrade;
   return verdict;
 }
 
-Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view path, Rights rights) {
-  if (!request.origin.empty() && !hub.rules.AllowsOrigin(request.origin, request.host)) return Problem(403, "Foreign origin");
+Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view host, std::string_view path, Rights rights) {
+  if (!request.origin.empty() && !hub.rules.AllowsOrigin(request.origin, host)) return Problem(403, "Foreign origin");
   if (rights != Rights::kWrite) return Problem(403, kReadOnly);
   Verdict verdict;
   verdict.destination = hub.tree.FindOnIo(path);
@@ -96,7 +133,7 @@ Verdict JudgeWrite(Hub& hub, const HttpRequest& request, std::string_view path, 
   if (!TakesPost(verdict.destination)) {
     ServerReply reply;
     reply.SendNotAllowed(verdict.destination.endpoint->AllowedMethods());
-    return Answer(ToResponse(reply, {}));
+    return Answer(ToResponse(reply));
   }
   const std::string_view type = request.contentType;
   if (!EqualsIgnoringCase(Trim(type.substr(0, type.find(';'))), "application/json")) {
@@ -119,31 +156,30 @@ std::optional<Verdict> DocumentFor(Hub& hub, const HttpRequest& request, std::st
   auto document = wantsPage ? hub.documents->Find("/index.html") : FindDocument(hub, path);
   if (!document) return std::nullopt;
   if (!IsReading(request)) return Problem(405, "Method Not Allowed", "Allow: GET, HEAD\r\n");
-  if (!request.ifNoneMatch.empty() && MatchesEtag(request.ifNoneMatch, document->etag)) return Answer(UnchangedResponse(*document));
-  return Answer(DocumentResponse(std::move(document)));
+  return Answer(ConditionalResponse(DocumentResponse(std::move(document)), request.GetPreconditions()));
 }
 
 }  // namespace
 
 Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::address& local, std::string& knownHost) {
   if (request.hostCount != 1) return Problem(400, "One Host field is needed");
-  if (knownHost.empty() || request.host != knownHost) {
-    if (!hub.rules.AllowsHost(request.host, local)) return Problem(421, "This server does not go by that name");
-    knownHost = request.host;
-  }
+  const auto address = AddressOf(hub, request);
+  if (!address) return Problem(400, kBadTarget);
+  if (auto refusal = RefuseHost(hub, request, *address, local, knownHost)) return std::move(*refusal);
   const auto rights = hub.tokens.RightsOf(request);
-  if (rights == Rights::kNone && !IsPreflight(hub, request))
+  if (rights == Rights::kNone && !IsPreflight(hub, request, address->host)) {
     return Problem(401, "A bearer token is needed", "WWW-Authenticate: Bearer\r\n");
-  auto target = ParseTarget(OriginForm(request.target));
-  if (!target) return Problem(400, "Malformed request target");
+  }
+  auto target = ParseTarget(address->target);
+  if (!target) return Problem(400, kBadTarget);
   if (target->path.empty()) target->path = "/";  // "http://host?query"
-  if (request.method == HttpMethod::kOptions) return JudgeOptions(hub, request, target->path);
-  if (request.method == HttpMethod::kPost) return JudgeWrite(hub, request, target->path, rights);
+  if (request.method == HttpMethod::kOptions) return JudgeOptions(hub, request, address->host, target->path);
+  if (request.method == HttpMethod::kPost) return JudgeWrite(hub, request, address->host, target->path, rights);
 
   const auto destination = hub.tree.FindOnIo(target->path);
   const bool takesSockets = destination && !destination.resource;
   if (request.upgrade && request.method == HttpMethod::kGet && takesSockets) {
-    auto verdict = JudgeUpgrade(hub, request);
+    auto verdict = JudgeUpgrade(hub, request, address->host);
     verdict.rights = rights;
     return verdict;
   }
@@ -154,11 +190,11 @@ Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::addre
   treeRequest.query = std::move(target->query);
   ServerReply reply;
   Server::Dispatch(destination, treeRequest, reply);
-  return Answer(ToResponse(reply, request.ifNoneMatch));
+  return Answer(ToResponse(reply, request.GetPreconditions()));
 }
 
 Response WriteResponse(const ServerReply* reply) {
-  return reply ? ToResponse(*reply, {}) : ProblemResponse(503, kBusy, "Retry-After: 1\r\n");
+  return reply ? ToResponse(*reply) : ProblemResponse(503, kBusy, "Retry-After: 1\r\n");
 }
 
 }  // namespace zuva::serve

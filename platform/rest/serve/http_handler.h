@@ -30,8 +30,8 @@ struct Verdict {
   Rights rights = Rights::kNone;    ///< of kUpgrade: what the socket's messages may do
 };
 
-/// Checks a whole request against the rules on hosts, origins and tokens, and answers it unless it is a write or an upgrade. `knownHost` is
-/// the connection's latest good `Host`, so that a kept connection is asked once. I/O thread only.
+/// Checks a request, whose body need not have come, against the rules on hosts, origins and tokens, and answers it unless it is a write or
+/// an upgrade. `knownHost` is the connection's latest good host, so that a kept connection is asked once. I/O thread only.
 Verdict Judge(Hub& hub, const HttpRequest& request, const boost::asio::ip::address& local, std::string& knownHost);
 
 /// The answer to a write; without a reply it was refused unrun.

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "zuva/preconditions.h"
 
 namespace zuva::serve {
 
@@ -16,10 +19,12 @@ struct HttpRequest {
   bool expectsContinue = false;  ///< waits for "100 Continue" before it sends its body
   unsigned version = 11;
   unsigned hostCount = 0;
+  bool hasIfMatch = false;  ///< even an empty `If-Match` is a condition: one that never holds
   std::string target;
   std::string host;
   std::string origin;
   std::string contentType;
+  std::string ifMatch;
   std::string ifNoneMatch;
   std::string requestedMethod;  ///< of a CORS preflight
   std::string webSocketKey;
@@ -30,6 +35,7 @@ struct HttpRequest {
   std::string body;
 
   void Clear();
+  Preconditions GetPreconditions() const { return {hasIfMatch ? std::optional<std::string_view>{ifMatch} : std::nullopt, ifNoneMatch}; }
 };
 
 }  // namespace zuva::serve

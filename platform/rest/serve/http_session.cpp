@@ -5,8 +5,6 @@
 #include <cstring>
 #include <utility>
 
-#include <boost/asio/write.hpp>
-
 #include "serve/hub.h"
 #include "serve/tree_write.h"
 #include "serve/websocket.h"
@@ -48,12 +46,10 @@ void HttpSession::Start() {
 }
 
 void HttpSession::ShakeHands() {
-  stream_.AsyncHandshake([self = shared_from_this()](const boost::system::error_code& error) {
-    if (self->state_ == State::kEnded) return;
-    if (error) return self->Abort();
-    self->Enter(State::kIdle);
-    self->Read();
-  });
+  stream_.AsyncHandshake(Then([](HttpSession& self) {
+    self.Enter(State::kIdle);
+    self.Read();
+  }));
 }
 
 void HttpSession::Enter(State state) {
@@ -73,8 +69,9 @@ void HttpSession::Sweep(Clock::time_point now) {
       if (waited > std::chrono::seconds{limits.requestSeconds}) Abort();
       break;
     case State::kReading:
-      if (waited > std::chrono::seconds{limits.requestSeconds} && continuing_) return Abort();
-      if (waited > std::chrono::seconds{limits.requestSeconds}) SendLast(ProblemResponse(408, "The request took too long"));
+      if (waited <= std::chrono::seconds{limits.requestSeconds}) break;
+      if (continuing_ || dropping_) return Abort();
+      SendLast(ProblemResponse(408, "The request took too long"));
       break;
     case State::kDraining:
       if (waited > kLongestDrain) Abort();
@@ -90,7 +87,7 @@ void HttpSession::Stop() {
   if (state_ == State::kShakingHands || state_ == State::kIdle || state_ == State::kReading) Abort();
 }
 
-void HttpSession::Abort() {
+void HttpSession::Abort() noexcept {
   if (state_ == State::kEnded) return;
   Enter(State::kEnded);
   boost::system::error_code ignored;  // there is nothing left to do for a socket that does not close
@@ -106,7 +103,8 @@ std::optional<Clock::time_point> HttpSession::IdleSince() const {
 void HttpSession::Read() {
   reading_ = true;
   const auto room = asio::buffer(input_.data() + end_, input_.size() - end_);
-  auto handler = [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) { self->OnRead(error, bytes); };
+  Continuation handler{shared_from_this(),
+                       [](HttpSession& self, const boost::system::error_code& error, std::size_t bytes) { self.OnRead(error, bytes); }};
   if (state_ == State::kDraining) {  // over what lies below TLS, which has ended
     stream_.Socket().async_read_some(room, std::move(handler));
   } else {
@@ -136,23 +134,42 @@ void HttpSession::Proceed() {
         if (Handle() == Progress::kLater) return;
         continue;
       case ReadState::kHead:
-        if (reader_.Request().expectsContinue) return SendContinue();
-        return ReadMore();
+        if (HandleHead() == Progress::kLater) return;
+        continue;
       case ReadState::kNeedsMore:
         return ReadMore();
       case ReadState::kMalformed:
-        return SendLast(ProblemResponse(400, "Malformed request"));
+      case ReadState::kBadVersion:
       case ReadState::kHeadTooLarge:
-        return SendLast(ProblemResponse(431, "The head of the request is too large"));
       case ReadState::kBodyTooLarge:
-        return SendLast(ProblemResponse(413, "The body of the request is too large"));
+        return Refuse(progress);
     }
+  }
+}
+
+/// Answers a request that cannot be read on, as the last one, unless it is answered already.
+void HttpSession::Refuse(ReadState fault) {
+  last_ = true;
+  if (dropping_) return Drain();
+  switch (fault) {
+    case ReadState::kBadVersion:
+      return SendLast(ProblemResponse(505, "This server speaks HTTP/1.1"));
+    case ReadState::kHeadTooLarge:
+      return SendLast(ProblemResponse(431, "The head of the request is too large"));
+    case ReadState::kBodyTooLarge: {
+      constexpr unsigned kFirstError = 400;
+      auto verdict = Judge(hub_, reader_.Request(), local_, knownHost_);  // what the head alone decides counts first
+      const bool isRefused = verdict.kind == Verdict::Kind::kAnswer && verdict.response.code >= kFirstError;
+      return SendLast(isRefused ? std::move(verdict.response) : ProblemResponse(413, "The body of the request is too large"));
+    }
+    default:
+      return SendLast(ProblemResponse(400, "Malformed request"));
   }
 }
 
 void HttpSession::ReadMore() {
   if (reader_.HasBegun() && state_ == State::kIdle) Enter(State::kReading);
-  if (!MakeRoom()) return SendLast(ProblemResponse(400, "Malformed request"));
+  if (!MakeRoom()) return Refuse(ReadState::kMalformed);
   Read();
 }
 
@@ -170,7 +187,23 @@ bool HttpSession::MakeRoom() {
   return true;
 }
 
+/// Answers a request whose body is still to come if the head alone decides. Who waits to be asked for the body need not send it any more,
+/// and so cannot say where the next request begins.
+HttpSession::Progress HttpSession::HandleHead() {
+  const bool waits = reader_.Request().expectsContinue;
+  auto verdict = Judge(hub_, reader_.Request(), local_, knownHost_);
+  if (verdict.kind == Verdict::Kind::kAnswer) {
+    dropping_ = true;
+    last_ = last_ || waits;
+    return Send(std::move(verdict.response));
+  }
+  if (!waits) return Progress::kNext;
+  SendContinue();
+  return Progress::kLater;
+}
+
 HttpSession::Progress HttpSession::Handle() {
+  if (std::exchange(dropping_, false)) return NextRequest();
   auto verdict = Judge(hub_, reader_.Request(), local_, knownHost_);
   switch (verdict.kind) {
     case Verdict::Kind::kWrite:
@@ -189,13 +222,15 @@ HttpSession::Progress HttpSession::Handle() {
 }
 
 HttpSession::Progress HttpSession::HandleWrite(Verdict verdict) {
+  const auto preconditions = reader_.Request().GetPreconditions();
   const void* const resource = verdict.destination.resource.get();
+  const void* const turn = preconditions.AreGiven() ? verdict.destination.element.get() : nullptr;
   auto write = std::make_shared<TreeWrite>(
-      std::move(verdict.destination), std::string{verdict.path}, reader_.TakeBody(),
+      std::move(verdict.destination), std::string{verdict.path}, reader_.TakeBody(), preconditions,
       [this] { return state_ == State::kHandling && !HasLeft(stream_.Socket()); },
-      [self = shared_from_this()](const ServerReply* reply) { self->OnWritten(reply); });
+      [self = shared_from_this()](const ServerReply* reply) { OrAbort(*self, [&] { self->OnWritten(reply); }); });
   Enter(State::kHandling);
-  if (hub_.posts.Submit(resource, std::move(write))) return Progress::kLater;
+  if (hub_.posts.Submit(resource, std::move(write), turn)) return Progress::kLater;
   return Send(WriteResponse(nullptr));
 }
 
@@ -209,109 +244,6 @@ void HttpSession::Upgrade(Rights rights) {
   const auto self = shared_from_this();  // kept by nobody else from here on
   hub_.connections.Remove(this);
   AcceptWebSocket(hub_, std::move(stream_), reader_.Request(), rights);
-}
-
-HttpSession::Progress HttpSession::Send(Response response) {
-  response_ = std::move(response);
-  last_ = last_ || !reader_.Request().keepAlive;
-  if (!pieces_.Begin(reader_.Request().method == HttpMethod::kHead ? nullptr : response_.file)) return Fail();
-  AddFields();
-  const auto& date = hub_.date.Get();
-  const auto buffers = ToSend(date);
-  boost::system::error_code error;
-  const auto sent = stream_.TryWrite(buffers, error);
-  if (error && error != asio::error::would_block) return Fail();
-  if (sent < asio::buffer_size(buffers)) return SendRest(sent, date);
-  return AfterSend();
-}
-
-void HttpSession::SendLast(Response response) {
-  last_ = true;
-  Send(std::move(response));
-}
-
-void HttpSession::SendContinue() {
-  constexpr std::string_view kLine = "HTTP/1.1 100 Continue\r\n\r\n";
-  if (state_ == State::kIdle) Enter(State::kReading);
-  continuing_ = true;
-  asio::async_write(stream_, asio::buffer(kLine), [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
-    self->continuing_ = false;
-    if (self->state_ == State::kEnded) return;
-    if (error) return self->Abort();
-    self->ReadMore();
-  });
-}
-
-HttpSession::Progress HttpSession::SendRest(std::size_t sent, const std::string& date) {
-  date_ = date;
-  auto rest = ToSend(date_);
-  for (auto& buffer : rest) {
-    const auto skipped = std::min(sent, buffer.size());
-    buffer += skipped;
-    sent -= skipped;
-  }
-  return Write(rest);
-}
-
-HttpSession::Progress HttpSession::Write(const Buffers& buffers) {
-  Enter(State::kWriting);
-  asio::async_write(stream_, buffers, [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
-    if (self->state_ == State::kEnded) return;
-    if (error) return self->Abort();
-    if (self->AfterSend() == Progress::kNext) self->Proceed();
-  });
-  return Progress::kLater;
-}
-
-HttpSession::Progress HttpSession::AfterSend() {
-  if (pieces_.HasMore()) return pieces_.Next() ? Write({asio::buffer(pieces_.Piece())}) : Fail();
-  pieces_.Begin(nullptr);
-  response_ = {};
-  if (last_) {
-    Drain();
-    return Progress::kLater;
-  }
-  reader_.Next();
-  Enter(State::kIdle);
-  return Progress::kNext;
-}
-
-void HttpSession::AddFields() {
-  fields_.clear();
-  const auto& request = reader_.Request();
-  if (last_) {
-    fields_ += "Connection: close\r\n";
-  } else if (request.version < 11) {
-    fields_ += "Connection: keep-alive\r\n";
-  }
-  if (hub_.documents) fields_ += "Vary: Accept\r\n";
-  if (!hub_.rules.HasListedOrigins()) return;
-  fields_ += "Vary: Origin\r\n";
-  if (hub_.rules.IsListed(request.origin)) fields_.append("Access-Control-Allow-Origin: ").append(request.origin).append("\r\n");
-}
-
-HttpSession::Buffers HttpSession::ToSend(const std::string& date) const {
-  const bool headOnly = reader_.Request().method == HttpMethod::kHead;
-  const auto head = response_.Head();
-  const auto body = headOnly ? std::string_view{} : response_.file ? pieces_.Piece() : response_.Body();
-  return {asio::buffer(head.data(), head.size()), asio::buffer(fields_), asio::buffer(date), asio::buffer(body.data(), body.size())};
-}
-
-/// Says that no more comes, and waits for the client to say the same: closing with its bytes unread would cut off the answer.
-void HttpSession::Drain() {
-  Enter(State::kDraining);
-  if (!stream_.IsSecure() || reading_) return EndSending();                             // TLS, too, reads one thing at a time
-  stream_.AsyncGoodbye([self = shared_from_this()](const boost::system::error_code&) {  // what comes behind it may be anything
-    if (self->state_ != State::kEnded) self->EndSending();
-  });
-}
-
-void HttpSession::EndSending() {
-  boost::system::error_code error;
-  stream_.Socket().shutdown(asio::ip::tcp::socket::shutdown_send, error);
-  if (error) return Abort();
-  begin_ = end_ = 0;
-  if (!reading_) Read();
 }
 
 }  // namespace zuva::serve

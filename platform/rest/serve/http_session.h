@@ -30,7 +30,7 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   void Start();
   void Sweep(Clock::time_point now) override;
   void Stop() override;
-  void Abort() override;
+  void Abort() noexcept override;
   bool AwaitsAnswer() const override { return state_ == State::kHandling; }
   std::optional<Clock::time_point> IdleSince() const override;
 
@@ -49,6 +49,15 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   enum class Progress : std::uint8_t { kNext, kLater };
   using Buffers = std::array<boost::asio::const_buffer, 4>;
 
+  /// The handler of an operation after which the session goes on with this step, unless it has ended or the operation failed.
+  template <class Step>
+  auto Then(Step step) {
+    return Continuation{shared_from_this(), [step](HttpSession& self, const boost::system::error_code& error, std::size_t = 0) {
+                          if (self.state_ == State::kEnded) return;
+                          if (error) return self.Abort();
+                          step(self);
+                        }};
+  }
   void Enter(State state);
   void ShakeHands();
   void Read();
@@ -56,6 +65,8 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   void Proceed();
   bool MakeRoom();
   Progress Handle();
+  Progress HandleHead();
+  void Refuse(ReadState fault);
   Progress HandleWrite(Verdict verdict);
   void OnWritten(const ServerReply* reply);
   void Upgrade(Rights rights);
@@ -71,6 +82,7 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   Progress SendRest(std::size_t sent, const std::string& date);
   Progress Write(const Buffers& buffers);
   Progress AfterSend();
+  Progress NextRequest();
   void AddFields();
   Buffers ToSend(const std::string& date) const;
   void Drain();
@@ -85,6 +97,7 @@ class HttpSession final : public Connection, public std::enable_shared_from_this
   bool reading_ = false;     // a read is under way
   bool continuing_ = false;  // the line that asks for the body is under way
   bool last_ = false;        // no request is taken after the present answer
+  bool dropping_ = false;    // the request is answered before its body has come
 
   std::vector<char> input_;  // of which [begin_, end_) is still to be taken
   std::size_t begin_ = 0;

@@ -38,7 +38,11 @@ std::string Listener::Text() const {
 
 void Listener::Accept(Taker taker) {
   taker_ = std::move(taker);
-  AcceptNext();
+  AcceptNext(accepting_.Begin());
+}
+
+void Listener::Resume() {
+  if (acceptor_.is_open() && !accepting_.IsUnderWay()) AcceptNext(accepting_.Begin());
 }
 
 void Listener::Close() {
@@ -47,26 +51,26 @@ void Listener::Close() {
   pause_.cancel();
 }
 
-void Listener::AcceptNext() {
-  acceptor_.async_accept([this](const boost::system::error_code& error, tcp::socket socket) {
+void Listener::AcceptNext(Pending::Ticket ticket) {
+  acceptor_.async_accept([this, ticket = std::move(ticket)](const boost::system::error_code& error, tcp::socket socket) mutable {
     if (!acceptor_.is_open()) return;
     if (error) {
       GetLogger().LogWarn() << "A connection could not be taken: " << error.message();
-      return AcceptLater();
+      return AcceptLater(std::move(ticket));
     }
     // Asked for first, since trouble with one client does not end the listening; begun behind what the client has sent already, so that it
     // does not give way to the next one as if it were idle.
-    asio::post(acceptor_.get_executor(), [this] {
-      if (acceptor_.is_open()) AcceptNext();
+    asio::post(acceptor_.get_executor(), [this, ticket = std::move(ticket)]() mutable {
+      if (acceptor_.is_open()) AcceptNext(std::move(ticket));
     });
     taker_(std::move(socket));
   });
 }
 
-void Listener::AcceptLater() {
+void Listener::AcceptLater(Pending::Ticket ticket) {
   pause_.expires_after(kPauseAfterError);
-  pause_.async_wait([this](const boost::system::error_code& error) {
-    if (!error && acceptor_.is_open()) AcceptNext();
+  pause_.async_wait([this, ticket = std::move(ticket)](const boost::system::error_code& error) mutable {
+    if (!error && acceptor_.is_open()) AcceptNext(std::move(ticket));
   });
 }
 

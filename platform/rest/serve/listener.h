@@ -8,6 +8,7 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include "serve/config.h"
+#include "serve/pending.h"
 
 namespace zuva::serve {
 
@@ -23,14 +24,17 @@ class Listener {
   std::string Text() const;
   /// Hands every new connection over, until it is closed. After an error of accept, such as too many open files, the next waits a while.
   void Accept(Taker taker);
+  /// Goes on accepting if an exception has ended it; to be called between handlers. Throws if that fails for want of memory.
+  void Resume();
   void Close();
 
  private:
-  void AcceptNext();
-  void AcceptLater();
+  void AcceptNext(Pending::Ticket ticket);
+  void AcceptLater(Pending::Ticket ticket);
 
   boost::asio::ip::tcp::acceptor acceptor_;
   boost::asio::steady_timer pause_;
+  Pending accepting_;  // or about to
   Taker taker_;
   const bool secure_;
 };

@@ -8,6 +8,7 @@
 namespace zuva::serve {
 
 RequestPool::RequestPool(std::size_t threads) {
+  threads_.reserve(threads);  // a thread that is started has its place
   try {
     for (std::size_t i = 0; i < threads; ++i) {
       threads_.push_back(os::StartThread("zuva-request-" + std::to_string(i), [this] { Loop(); }));

@@ -22,7 +22,7 @@ class RequestPool {
   RequestPool& operator=(const RequestPool&) = delete;
 
   std::size_t Size() const { return threads_.size(); }
-  /// Any thread. `work` must not throw.
+  /// Any thread. `work` must not throw. Throws `std::bad_alloc`, and the work is not taken then.
   void Run(std::function<void()> work);
   /// Lets the work that was handed over end, then joins. Not from a request thread; again is harmless.
   void Stop();

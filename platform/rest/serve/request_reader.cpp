@@ -47,6 +47,20 @@ bool HasFoldedLine(std::string_view head) {
   return head.find("\r\n ") != std::string_view::npos || head.find("\r\n\t") != std::string_view::npos;
 }
 
+/// Looks at how the request line ends. Beast itself looks only when the whole head is there; fine as long as the line is not over.
+ReadState CheckLine(std::string_view head) {
+  constexpr std::string_view kVersion = " HTTP/0.0";
+  const auto end = head.find('\n');
+  if (end == std::string_view::npos) return ReadState::kNeedsMore;
+  auto line = head.substr(0, end);
+  if (!line.ends_with('\r') || line.size() <= kVersion.size()) return ReadState::kMalformed;
+  line.remove_suffix(1);
+  const auto version = line.substr(line.size() - kVersion.size());
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  if (!version.starts_with(" HTTP/") || !isDigit(version[6]) || version[7] != '.' || !isDigit(version[8])) return ReadState::kMalformed;
+  return version[6] == '1' ? ReadState::kHead : ReadState::kBadVersion;
+}
+
 /// Whether a chunked body may end here with bytes that are still to come. Beast asserts that it does not see the last chunk's line again
 /// without the empty line behind it, so what looks like one waits for both.
 bool MayBeCutLastChunk(std::string_view body) {
@@ -93,11 +107,15 @@ class RequestReader::Parser final : public http::basic_parser<true> {
       case http::field::content_type:
         AddToList(request_.contentType, value);
         break;
+      case http::field::if_match:
+        request_.hasIfMatch = true;
+        AddToList(request_.ifMatch, value);
+        break;
       case http::field::if_none_match:
         AddToList(request_.ifNoneMatch, value);
         break;
       case http::field::expect:
-        request_.expectsContinue = EqualsIgnoringCase(value, "100-continue");
+        request_.expectsContinue = request_.version >= 11 && EqualsIgnoringCase(value, "100-continue");
         break;
       case http::field::upgrade:
         namesWebSocket_ = namesWebSocket_ || HasToken(value, "websocket");
@@ -161,7 +179,7 @@ RequestReader::~RequestReader() = default;
 
 void RequestReader::Next() {
   request_.Clear();
-  begun_ = headReported_ = false;
+  begun_ = headReported_ = lineChecked_ = false;
   headBytes_ = 0;
   slot_->parser.emplace(request_, headerBytes_, bodyBytes_);
 }
@@ -180,6 +198,7 @@ ReadState RequestReader::Take(std::span<const char> bytes, std::size_t& taken) {
     if (!inHead && parser.chunked() && MayBeCutLastChunk({bytes.data(), bytes.size()})) break;
     // Beast's own limit starts anew at each call, so the head is shown no more than it may still take.
     const auto window = inHead ? bytes.first(std::min(bytes.size(), headerBytes_ - headBytes_)) : bytes;
+    const std::string_view start = headBytes_ == 0 ? std::string_view{window.data(), window.size()} : std::string_view{};
     beast::error_code error;
     const auto used = parser.put(boost::asio::const_buffer{window.data(), window.size()}, error);
     taken += used;
@@ -190,7 +209,13 @@ ReadState RequestReader::Take(std::span<const char> bytes, std::size_t& taken) {
     }
     if (error == http::error::header_limit) return ReadState::kHeadTooLarge;
     if (error == http::error::body_limit) return ReadState::kBodyTooLarge;
+    if (error == http::error::bad_version && CheckLine(start) == ReadState::kBadVersion) return ReadState::kBadVersion;
     if (error && error != http::error::need_more) return ReadState::kMalformed;
+    if (inHead && !parser.is_header_done() && !lineChecked_) {
+      const auto line = CheckLine(start);
+      if (line == ReadState::kMalformed || line == ReadState::kBadVersion) return line;
+      lineChecked_ = line == ReadState::kHead;
+    }
     if (!parser.is_header_done() && bytes.size() >= headerBytes_ - headBytes_) return ReadState::kHeadTooLarge;
     if (error == http::error::need_more) break;
   }

@@ -9,8 +9,19 @@
 namespace zuva::serve {
 namespace {
 
+constexpr std::string_view kInternalError = "Internal Server Error";
+
 std::string StatusLine(unsigned code) {
   return "HTTP/1.1 " + std::to_string(code) + " " + StatusTitle(code) + "\r\n";
+}
+
+/// The `Cache-Control` line of a head with its line end; empty if it has none.
+std::string_view CacheControlOf(std::string_view head) {
+  constexpr std::string_view kEnd = "\r\n";
+  const auto found = head.find("\r\nCache-Control: ");
+  if (found == std::string_view::npos) return {};
+  head.remove_prefix(found + kEnd.size());
+  return head.substr(0, head.find(kEnd) + kEnd.size());
 }
 
 std::string DocumentHead(const Rendered& document) {
@@ -54,10 +65,14 @@ Response DocumentResponse(std::shared_ptr<const Document> document) {
   return response;
 }
 
-Response UnchangedResponse(const Rendered& document) {
+Response ConditionalResponse(Response document, const Preconditions& preconditions) {
+  const auto& etag = document.document->etag;
+  if (!preconditions.MatchHolds(etag)) return ProblemResponse(412, kPreconditionFailed);
+  if (preconditions.NoneMatchHolds(etag)) return document;
   Response response;
   response.code = 304;
-  response.head = StatusLine(304) + "ETag: " + document.etag + "\r\n";
+  response.head = StatusLine(304) + "ETag: " + etag + "\r\n";
+  response.head += CacheControlOf(document.Head());  // what is kept is kept under the same rules
   return response;
 }
 
@@ -79,13 +94,13 @@ Response EmptyResponse(std::string_view fields) {
   return response;
 }
 
-Response ToResponse(const ServerReply& reply, std::string_view ifNoneMatch) {
+Response ToResponse(const ServerReply& reply, const Preconditions& preconditions) {
   if (const auto& document = reply.GetBody()) {
-    if (!ifNoneMatch.empty() && MatchesEtag(ifNoneMatch, document->etag)) return UnchangedResponse(*document);
-    return DocumentResponse(document);
+    return preconditions.AreGiven() ? ConditionalResponse(DocumentResponse(document), preconditions) : DocumentResponse(document);
   }
+  if (!reply.GetAnswer()) return ProblemResponse(500, kInternalError);
   const auto& answer = *reply.GetAnswer();
-  if (!CanCarryText(answer.code)) return ProblemResponse(500, StatusTitle(500));
+  if (!CanCarryText(answer.code)) return ProblemResponse(500, kInternalError);
   std::string fields;
   if (!answer.allow.empty()) fields = "Allow: " + std::string{answer.allow} + "\r\n";
   return ProblemResponse(answer.code, answer.text, fields);

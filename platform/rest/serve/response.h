@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "serve/documents.h"
+#include "zuva/preconditions.h"
 #include "zuva/rendered.h"
 #include "zuva/server_reply.h"
 
@@ -32,13 +33,13 @@ struct Response {
 /// 200 and the document; its head is made at the first use. I/O thread only.
 Response DocumentResponse(std::shared_ptr<const Rendered> document);
 Response DocumentResponse(std::shared_ptr<const Document> document);
-/// 304, for a client that has the document already.
-Response UnchangedResponse(const Rendered& document);
+/// The answer to a GET or HEAD of this document: itself, 304 for a client that has it already, or 412 (RFC 9110 section 13.2.2).
+Response ConditionalResponse(Response document, const Preconditions& preconditions);
 /// An answer that is no document. `fields` are further lines of the head, each with its line end.
 Response ProblemResponse(unsigned code, std::string_view detail, std::string_view fields = {});
 /// 204 with these lines.
 Response EmptyResponse(std::string_view fields);
-/// What the tree has answered.
-Response ToResponse(const ServerReply& reply, std::string_view ifNoneMatch);
+/// What the tree has answered; a reply without an answer is a 500. The preconditions are those of a GET or HEAD.
+Response ToResponse(const ServerReply& reply, const Preconditions& preconditions = {});
 
 }  // namespace zuva::serve

@@ -21,7 +21,8 @@ class Subscriber {
  public:
   virtual ~Subscriber() = default;
   virtual Outbox& GetOutbox() = 0;
-  /// Sends what the outbox holds, as far as the socket takes it. Ends no subscription before it returns. May throw for want of memory.
+  /// Sends what the outbox holds, as far as the socket takes it. A client that cannot be sent to for want of memory is ended, with all
+  /// its subscriptions.
   virtual void Flush() = 0;
   /// Something was lost on the way to this client, so that it cannot go on: ends its subscriptions, whether or not it throws.
   virtual void OnLost() = 0;

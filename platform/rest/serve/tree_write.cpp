@@ -8,10 +8,13 @@
 
 namespace zuva::serve {
 
-TreeWrite::TreeWrite(Server::Destination destination, std::string path, std::string text, Wanted wanted, Done done)
+TreeWrite::TreeWrite(Server::Destination destination, std::string path, std::string text, const Preconditions& preconditions, Wanted wanted,
+                     Done done)
     : path_{std::move(path)},
       destination_{std::move(destination)},
       text_{std::move(text)},
+      ifMatch_{preconditions.ifMatch},
+      ifNoneMatch_{preconditions.ifNoneMatch},
       wanted_{std::move(wanted)},
       done_{std::move(done)} {
   if (const auto matches = ara::rest::Matches::Split(path_)) destination_.matches = *matches;  // views into the path of its own
@@ -19,7 +22,7 @@ TreeWrite::TreeWrite(Server::Destination destination, std::string path, std::str
 
 TreeWrite::TreeWrite(Server::Destination destination, std::string path, ara::rest::Pointer<ogm::Object> document, const ogm::Object& value,
                      Wanted wanted, Done done)
-    : TreeWrite{std::move(destination), std::move(path), std::string{}, std::move(wanted), std::move(done)} {
+    : TreeWrite{std::move(destination), std::move(path), std::string{}, Preconditions{}, std::move(wanted), std::move(done)} {
   document_ = std::move(document);
   value_ = &value;
 }
@@ -27,9 +30,8 @@ TreeWrite::TreeWrite(Server::Destination destination, std::string path, ara::res
 void TreeWrite::Run() noexcept {
   try {
     Write();
-  } catch (const std::exception& e) {  // want of memory; what callbacks throw is answered further down
+  } catch (const std::exception& e) {  // want of memory; what callbacks throw is answered further down. Unanswered it counts as a 500
     GetLogger().LogError() << "A write to " << path_ << " failed: " << e;
-    if (!reply_.IsAnswered()) reply_.SendInternalError();
   }
 }
 
@@ -44,6 +46,7 @@ void TreeWrite::Write() {
   request.method = Method::Post;
   request.path = path_;
   request.body = value_;
+  request.preconditions = {ifMatch_, ifNoneMatch_};
   Server::Dispatch(destination_, request, reply_);
 }
 
@@ -55,7 +58,7 @@ void TreeWrite::Refuse() noexcept {
   Tell(nullptr);
 }
 
-void TreeWrite::Tell(const ServerReply* reply) {
+void TreeWrite::Tell(const ServerReply* reply) noexcept {
   const auto done = std::exchange(done_, nullptr);  // with it goes what it keeps alive, here on the I/O thread
   try {
     done(reply);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,13 +15,14 @@ namespace zuva::serve {
 /// A client's write to an element, by HTTP or WebSocket: one pipeline with one set of answers.
 class TreeWrite final : public PostTask {
  public:
-  /// Called on the I/O thread, once; without a reply the write was refused unrun.
+  /// Called on the I/O thread, once; without a reply the write was refused unrun. One that throws has ended its connection before.
   using Done = std::function<void(const ServerReply* reply)>;
   /// Whether the client is still there; called on the I/O thread, not after `Done`.
   using Wanted = std::function<bool()>;
 
   /// The posted document as text, to be read on the request thread.
-  TreeWrite(Server::Destination destination, std::string path, std::string text, Wanted wanted, Done done);
+  TreeWrite(Server::Destination destination, std::string path, std::string text, const Preconditions& preconditions, Wanted wanted,
+            Done done);
   /// The same, read already; `value` is part of `document`.
   TreeWrite(Server::Destination destination, std::string path, ara::rest::Pointer<ogm::Object> document, const ogm::Object& value,
             Wanted wanted, Done done);
@@ -32,13 +34,15 @@ class TreeWrite final : public PostTask {
 
  private:
   void Write();
-  void Tell(const ServerReply* reply);
+  void Tell(const ServerReply* reply) noexcept;
 
   const std::string path_;
   Server::Destination destination_;
   std::string text_;
   ara::rest::Pointer<ogm::Object> document_;
   const ogm::Object* value_ = nullptr;
+  const std::optional<std::string> ifMatch_;
+  const std::string ifNoneMatch_;
   ServerReply reply_;
   Wanted wanted_;
   Done done_;

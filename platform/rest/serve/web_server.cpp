@@ -26,6 +26,12 @@ namespace {
 constexpr std::chrono::milliseconds kSweepEvery{250};
 /// How long clients have to take their last answer, once a stop has begun or again since the latest callback ended.
 constexpr std::chrono::seconds kPatience{1};
+/// How long what is closed then may take to notice.
+constexpr std::chrono::milliseconds kLastGrace{250};
+/// How often a stop looks at what is left.
+constexpr std::chrono::milliseconds kStopStep{50};
+/// How long the next attempt waits where there was no memory to go on.
+constexpr std::chrono::milliseconds kPauseAfterFailure{10};
 /// What the process needs beside its clients: logs, the vehicle's sockets, libraries.
 constexpr rlim_t kOtherFiles = 256;
 
@@ -57,6 +63,7 @@ WebServer::WebServer(Server& tree, Config config)
       tls_{config_.tls ? MakeTlsContext(*config_.tls) : nullptr},
       io_{1},
       sweep_{io_} {
+  GetLogger();  // made here, where a failure can still be reported
   if (config_.documentRoot) documents_.emplace(*config_.documentRoot);
   tree_.SetChangeSink(changes_);
 }
@@ -74,8 +81,6 @@ void WebServer::Start() {
     hub_ = std::make_unique<Hub>(tree_, config_, io_, *pool_, *changes_, documents_ ? &*documents_ : nullptr);
     changes_->Open([this] { asio::post(io_, [this] { hub_->subscriptions.Drain(); }); });
     for (const auto& listener : listeners_) listener->Accept([this](asio::ip::tcp::socket socket) { Take(std::move(socket)); });
-    ended_ = {};
-    end_ = ended_.get_future();
     stopping_ = false;
     io_.restart();
     thread_ = os::StartThread("zuva-io", [this] { Run(); });
@@ -111,16 +116,70 @@ void WebServer::OpenListeners() {
   addresses_ = std::move(addresses);
 }
 
-void WebServer::Run() {
-  for (;;) {
+void WebServer::Run() noexcept {
+  while (!stopping_) Serve();
+  EndServing();
+}
+
+/// Serves until it is interrupted, by the stop or by one client's trouble, such as want of memory, which is not that of the others.
+void WebServer::Serve() noexcept {
+  try {
+    ResumeAll();
+  } catch (const std::exception& e) {
+    GetLogger().LogError() << "The server goes on later: " << e;
+    std::this_thread::sleep_for(kPauseAfterFailure);
+    return;
+  }
+  try {
+    io_.run();
+    io_.restart();
+  } catch (const std::exception& e) {
+    GetLogger().LogError() << "A request or event could not be handled: " << e;
+  }
+}
+
+/// Begins again what goes on all the time and was ended by an exception.
+void WebServer::ResumeAll() {
+  for (const auto& listener : listeners_) listener->Resume();
+  const bool isAtRest = hub_->connections.Size() == 0 && hub_->posts.IsIdle();
+  if (!isAtRest && !sweeping_.IsUnderWay()) SweepLater();
+}
+
+/// Ends in good order what ends within the time that it is given, then the rest. Returns when the last connection and the last callback
+/// have ended, or if something that has lost its way, for want of memory, holds out.
+void WebServer::EndServing() noexcept {
+  io_.restart();
+  BeginStop();
+  auto& posts = hub_->posts;
+  auto cut = Clock::now() + kPatience;
+  for (bool wasIdle = posts.IsIdle(), isLast = false; !io_.stopped();) {
     try {
-      io_.run();
-      break;
-    } catch (const std::exception& e) {  // one client's trouble, such as want of memory, is not that of the others
+      io_.run_for(kStopStep);
+    } catch (const std::exception& e) {
       GetLogger().LogError() << "A request or event could not be handled: " << e;
     }
+    posts.CatchUp();
+    const bool isIdle = posts.IsIdle();
+    if (isIdle && !wasIdle) cut = Clock::now() + kPatience;
+    wasIdle = isIdle;
+    if (Clock::now() < cut) continue;
+    if (isLast) break;
+    hub_->connections.ForEach([isIdle](Connection& connection) {
+      if (isIdle || !connection.AwaitsAnswer()) connection.Abort();
+    });
+    isLast = isIdle;
+    cut = Clock::now() + (isIdle ? std::chrono::milliseconds{kLastGrace} : kPatience);
   }
-  ended_.set_value();
+  hub_->connections.AbortAll();
+}
+
+/// Leaves nothing that could give the I/O thread new work.
+void WebServer::BeginStop() noexcept {
+  for (const auto& listener : listeners_) listener->Close();
+  sweep_.cancel();
+  changes_->Close();
+  hub_->connections.ForEach([](Connection& connection) { connection.Stop(); });
+  hub_->posts.Close();
 }
 
 void WebServer::Take(asio::ip::tcp::socket socket) {
@@ -131,36 +190,32 @@ void WebServer::Take(asio::ip::tcp::socket socket) {
   }
   const auto session = std::make_shared<HttpSession>(*hub_, ClientStream{std::move(socket), tls_.get()});
   connections.Add(session);
-  session->Start();
-  if (!sweeping_) SweepLater();
+  OrAbort(*session, [&] { session->Start(); });
+  if (!sweeping_.IsUnderWay()) SweepLater();
 }
 
 /// Goes on as long as there is somebody to look at: a server at rest sleeps.
 void WebServer::SweepLater() {
-  sweeping_ = true;
   sweep_.expires_after(kSweepEvery);
-  sweep_.async_wait([this](const boost::system::error_code& error) {
-    sweeping_ = false;
-    if (error || stopping_ || hub_->connections.Size() == 0) return;
+  sweep_.async_wait([this, ticket = sweeping_.Begin()](const boost::system::error_code& error) mutable {
+    ticket.reset();
+    if (error || stopping_ || (hub_->connections.Size() == 0 && hub_->posts.IsIdle())) return;
     SweepLater();                 // first: trouble with one client does not end the sweeps
     hub_->subscriptions.Drain();  // changes whose wake-up failed
+    hub_->posts.CatchUp();
     hub_->connections.ForEach([now = Clock::now()](Connection& connection) { connection.Sweep(now); });
   });
 }
 
 void WebServer::Stop() {
   if (!thread_.joinable()) return;
-  asio::post(io_, [this] { BeginStop(); });
-  while (end_.wait_for(kPatience) == std::future_status::timeout) {
-    asio::post(io_, [this] {
-      hub_->connections.ForEach([](Connection& connection) {
-        if (!connection.AwaitsAnswer()) connection.Abort();
-      });
-    });
-  }
+  stopping_ = true;
+  io_.stop();  // interrupts the I/O thread, which needs no memory
   thread_.join();
   if (registry_) registry_->BeginStop();  // what is left for the stop are the withdrawals
   pool_->Stop();
+  io_.restart();
+  io_.poll();  // of what did not end in time nothing stays behind that knows the hub
   hub_.reset();
   listeners_.clear();
   pool_.reset();
@@ -177,16 +232,6 @@ void WebServer::Withdraw(ServerService& service) {
 std::vector<std::string> WebServer::OwnAddresses() const {
   const std::lock_guard lock{addressesMutex_};
   return addresses_;
-}
-
-/// Leaves nothing that could give the I/O thread new work. It ends when the last connection and the last callback have.
-void WebServer::BeginStop() {
-  stopping_ = true;
-  for (const auto& listener : listeners_) listener->Close();
-  sweep_.cancel();
-  changes_->Close();
-  hub_->connections.ForEach([](Connection& connection) { connection.Stop(); });
-  hub_->posts.Close();
 }
 
 }  // namespace zuva::serve

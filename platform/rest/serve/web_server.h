@@ -1,6 +1,6 @@
 #pragma once
 
-#include <future>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -18,6 +18,7 @@
 #include "serve/documents.h"
 #include "serve/hub.h"
 #include "serve/listener.h"
+#include "serve/pending.h"
 #include "serve/registry_client.h"
 #include "serve/request_pool.h"
 #include "zuva/frontend.h"
@@ -33,7 +34,8 @@ class WebServer final : public Frontend {
 
   /// Throws `std::runtime_error` if there is no address to listen on; one that fails while another works is a warning. Once only.
   void Start() override;
-  /// Lets callbacks that run end and be answered, says goodbye to WebSockets, and joins all threads.
+  /// Lets callbacks that run end and be answered, says goodbye to WebSockets, and joins all threads. Returns at most 2 s after the last
+  /// callback has, whatever clients do.
   void Stop() override;
   /// Both do nothing without a registry in the configuration: then the services that the tree itself says are announced are all there is.
   void Announce(ServerService& service, std::vector<std::string> uris) override;
@@ -41,10 +43,13 @@ class WebServer final : public Frontend {
 
  private:
   void OpenListeners();
-  void Run();
+  void Run() noexcept;
+  void Serve() noexcept;
+  void ResumeAll();
+  void EndServing() noexcept;
+  void BeginStop() noexcept;
   void Take(boost::asio::ip::tcp::socket socket);
   void SweepLater();
-  void BeginStop();
   std::vector<std::string> OwnAddresses() const;
 
   Server& tree_;
@@ -60,11 +65,9 @@ class WebServer final : public Frontend {
   std::unique_ptr<Hub> hub_;
   std::vector<std::unique_ptr<Listener>> listeners_;
   boost::asio::steady_timer sweep_;
-  bool sweeping_ = false;     // I/O thread only
-  bool stopping_ = false;     // I/O thread only
-  std::thread thread_;        // runs io_ until nothing is left to do
-  std::promise<void> ended_;  // kept by the I/O thread when it has
-  std::future<void> end_;
+  Pending sweeping_;
+  std::atomic<bool> stopping_{false};
+  std::thread thread_;  // the I/O thread
 };
 
 }  // namespace zuva::serve

@@ -4,13 +4,18 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include <openssl/evp.h>
+#include <openssl/sha.h>
+
 #include <boost/asio/post.hpp>
+#include <boost/asio/write.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/message.hpp>
@@ -18,6 +23,7 @@
 
 #include "serve/conversation.h"
 #include "serve/hub.h"
+#include "zuva/logger.h"
 
 namespace zuva::serve {
 namespace {
@@ -33,6 +39,25 @@ constexpr std::chrono::seconds kLongestClose{10};
 constexpr std::size_t kBurst = 8;
 /// What the system keeps for a client. By itself it would grow to megabytes and hide how far the client is behind.
 constexpr int kSendBuffer = 256 * 1024;
+
+/// What the client's key is answered with (RFC 6455 section 4.2.2).
+std::string AcceptOf(std::string_view key) {
+  const auto text = std::string{key} + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11";
+  std::array<unsigned char, SHA_DIGEST_LENGTH> digest;
+  SHA1(reinterpret_cast<const unsigned char*>(text.data()), text.size(), digest.data());
+  std::array<unsigned char, 2 * SHA_DIGEST_LENGTH> encoded;
+  const auto size = EVP_EncodeBlock(encoded.data(), digest.data(), SHA_DIGEST_LENGTH);
+  return {reinterpret_cast<const char*>(encoded.data()), static_cast<std::size_t>(size)};
+}
+
+std::string AnswerTo(const HttpRequest& request) {
+  auto answer = "HTTP/1.1 101 Switching Protocols\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Accept: " +
+                AcceptOf(request.webSocketKey) + "\r\n";
+  // A page that shows its token as a subprotocol wants to see that one chosen.
+  const auto chosen = Tokens::SubprotocolOf(request.webSocketProtocols);
+  if (!chosen.empty()) answer.append("Sec-WebSocket-Protocol: ").append(chosen).append("\r\n");
+  return answer.append("\r\n");
+}
 
 /// A WebSocket: reads a message only after the one before is answered and when the client has taken most of its answers, and writes what
 /// the outbox holds as the client takes it.
@@ -51,7 +76,7 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   void Start(const HttpRequest& request);
   void Sweep(Clock::time_point now) override;
   void Stop() override { Close(websocket::close_code::going_away); }
-  void Abort() override;
+  void Abort() noexcept override;
   bool AwaitsAnswer() const override { return answering_; }
 
   Outbox& GetOutbox() override { return outbox_; }
@@ -65,6 +90,12 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   enum class State : std::uint8_t { kAccepting, kOpen, kClosing, kEnded };
 
   ClientStream::Tcp& Tcp() { return stream_.next_layer().Socket(); }
+  template <class Step>
+  auto Then(Step step) {
+    return Continuation{shared_from_this(), std::move(step)};
+  }
+  void Accept();
+  void Send();
   void Hear();
   void ReadIfRoom();
   void Read();
@@ -87,6 +118,7 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
   bool pinged_ = false;   // since then
   bool pinging_ = false;  // a ping waits for the socket, which takes one only
 
+  std::string answer_;                              // to the upgrade
   std::optional<Frame> frame_;                      // being written
   bool wasBehind_ = false;                          // at the sweep before, more than the limit waited
   std::optional<websocket::close_code> closeCode_;  // to be sent behind what the outbox holds
@@ -95,25 +127,34 @@ class WebSocketSession final : public Connection, public Conversation::Socket, p
 };
 
 void WebSocketSession::Start(const HttpRequest& request) {
-  http::request<http::empty_body> upgrade{http::verb::get, request.target, 11};
-  upgrade.set(http::field::host, request.host);
+  answer_ = AnswerTo(request);
+  asio::async_write(stream_.next_layer(), asio::buffer(answer_),
+                    Then([](WebSocketSession& self, const beast::error_code& error, std::size_t) {
+                      if (self.state_ == State::kEnded) return;
+                      if (error) return self.Abort();
+                      self.Accept();
+                    }));
+}
+
+/// Lets Beast answer an upgrade that has been answered: its own answer would name the library.
+void WebSocketSession::Accept() {
+  http::request<http::empty_body> upgrade{http::verb::get, "/", 11};
+  upgrade.set(http::field::host, "localhost");
   upgrade.set(http::field::connection, "Upgrade");
   upgrade.set(http::field::upgrade, "websocket");
-  upgrade.set(http::field::sec_websocket_key, request.webSocketKey);
-  upgrade.set(http::field::sec_websocket_version, request.webSocketVersion);
-  // A page that shows its token as a subprotocol wants to see that one chosen.
-  stream_.set_option(websocket::stream_base::decorator{
-      [chosen = std::string{Tokens::SubprotocolOf(request.webSocketProtocols)}](websocket::response_type& answer) {
-        if (!chosen.empty()) answer.set(http::field::sec_websocket_protocol, chosen);
-      }});
-  stream_.async_accept(upgrade, [self = shared_from_this()](const beast::error_code& error) {
-    if (self->state_ == State::kEnded) return;
-    if (error) return self->Abort();
-    self->state_ = self->closeCode_ ? State::kClosing : State::kOpen;
-    self->Hear();
-    self->ReadIfRoom();
-    self->Flush();
-  });
+  upgrade.set(http::field::sec_websocket_key, "");
+  upgrade.set(http::field::sec_websocket_version, "13");
+  stream_.next_layer().DropWrites(true);
+  stream_.async_accept(upgrade, Then([](WebSocketSession& self, const beast::error_code& error) {
+                         if (self.state_ == State::kEnded) return;
+                         if (error) return self.Abort();
+                         self.stream_.next_layer().DropWrites(false);
+                         self.answer_ = {};
+                         self.state_ = self.closeCode_ ? State::kClosing : State::kOpen;
+                         self.Hear();
+                         self.ReadIfRoom();
+                         self.Flush();
+                       }));
 }
 
 void WebSocketSession::Sweep(Clock::time_point now) {
@@ -137,12 +178,12 @@ void WebSocketSession::Sweep(Clock::time_point now) {
   if (now - heard_ > idle) return Abort();
   if (now - heard_ > idle / 2 && !pinging_ && !std::exchange(pinged_, true)) {
     pinging_ = true;
-    stream_.async_ping(
-        {}, [self = shared_from_this()](const beast::error_code&) { self->pinging_ = false; });  // a failure shows at the next read
+    // A failure shows at the next read.
+    stream_.async_ping({}, Then([](WebSocketSession& self, const beast::error_code&) { self.pinging_ = false; }));
   }
 }
 
-void WebSocketSession::Abort() {
+void WebSocketSession::Abort() noexcept {
   if (std::exchange(state_, State::kEnded) == State::kEnded) return;
   conversation_.EndSubscriptions();
   outbox_.Clear();
@@ -166,7 +207,7 @@ void WebSocketSession::ReadIfRoom() {
 void WebSocketSession::Read() {
   if (closeSent_) return;
   reading_ = true;
-  stream_.async_read_some(input_, 0, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnRead(error); });
+  stream_.async_read_some(input_, 0, Then([](WebSocketSession& self, const beast::error_code& error, std::size_t) { self.OnRead(error); }));
 }
 
 void WebSocketSession::OnRead(const beast::error_code& error) {
@@ -199,10 +240,20 @@ void WebSocketSession::OnAnswered() {
 }
 
 void WebSocketSession::Flush() {
+  const auto self = shared_from_this();  // kept by nobody else, perhaps, once it has ended
+  try {
+    Send();
+  } catch (const std::exception& e) {  // no memory: its frames would be missing, but those of others need not
+    GetLogger().LogError() << "A WebSocket was ended: " << e;
+    Abort();
+  }
+}
+
+void WebSocketSession::Send() {
   if (state_ == State::kEnded) return;
   if (outbox_.Bytes() / kBurst > hub_.config.limits.pendingBytesPerClient) {
     // Later, since whoever fills the outbox is not to lose the subscription under its hands.
-    asio::post(hub_.io, [self = shared_from_this()] { self->CloseSlow(); });
+    asio::post(hub_.io, Then([](WebSocketSession& self) { self.CloseSlow(); }));
     return;
   }
   if (frame_ || state_ == State::kAccepting || closeSent_) return;
@@ -213,7 +264,7 @@ void WebSocketSession::Flush() {
   }
   const auto piece = [](const std::shared_ptr<const std::string>& text) { return text ? asio::buffer(*text) : asio::const_buffer{}; };
   const std::array<asio::const_buffer, 2> pieces{piece(frame_->prefix), piece(frame_->tail)};
-  stream_.async_write(pieces, [self = shared_from_this()](const beast::error_code& error, std::size_t) { self->OnWritten(error); });
+  stream_.async_write(pieces, Then([](WebSocketSession& self, const beast::error_code& error, std::size_t) { self.OnWritten(error); }));
 }
 
 void WebSocketSession::OnWritten(const beast::error_code& error) {
@@ -249,7 +300,7 @@ void WebSocketSession::CloseSlow() {
 
 void WebSocketSession::SendClose() {
   closeSent_ = true;
-  stream_.async_close(*closeCode_, [self = shared_from_this()](const beast::error_code&) { self->Abort(); });
+  stream_.async_close(*closeCode_, Then([](WebSocketSession& self, const beast::error_code&) { self.Abort(); }));
 }
 
 }  // namespace
@@ -257,7 +308,7 @@ void WebSocketSession::SendClose() {
 void AcceptWebSocket(Hub& hub, ClientStream stream, const HttpRequest& request, Rights rights) {
   const auto session = std::make_shared<WebSocketSession>(hub, std::move(stream), rights);
   hub.connections.Add(session);
-  session->Start(request);
+  OrAbort(*session, [&] { session->Start(request); });
 }
 
 }  // namespace zuva::serve

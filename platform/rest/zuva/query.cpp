@@ -53,6 +53,7 @@ void Query::WriteTo(std::string& out, const ogm::Object& tree) const {
 }
 
 boost::system::result<Target> ParseTarget(std::string_view text) {
+  if (text.find('#') != std::string_view::npos) return make_error_code(boost::system::errc::invalid_argument);  // stays with the client
   const auto mark = text.find('?');
   if (mark == std::string_view::npos) return Target{text, {}};
   auto query = ParseQuery(text.substr(mark + 1));

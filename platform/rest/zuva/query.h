@@ -42,7 +42,7 @@ struct Target {
   Query query;
 };
 
-/// Fails on a percent escape that is none. Without a query nothing is allocated.
+/// Fails on a percent escape that is none, and on a fragment. Without a query nothing is allocated.
 boost::system::result<Target> ParseTarget(std::string_view text);
 /// The part behind the question mark. Fails likewise, and on more than `kMostTerms` terms.
 boost::system::result<Query> ParseQuery(std::string_view text);

@@ -41,21 +41,26 @@ std::string MakeEtag(std::string_view body) {
   return tag += '"';
 }
 
-bool MatchesEtag(std::string_view ifNoneMatch, std::string_view etag) noexcept {
+bool NamesEtag(std::string_view field, std::string_view etag, EtagComparison comparison) noexcept {
+  constexpr std::string_view kWeak = "W/";
+  const bool weakCounts = comparison == EtagComparison::kWeak;
+  const bool isWeak = etag.starts_with(kWeak);
+  if (isWeak) etag.remove_prefix(kWeak.size());
   const auto skip = [&](std::string_view characters) {
-    const auto start = ifNoneMatch.find_first_not_of(characters);
-    ifNoneMatch.remove_prefix(start == std::string_view::npos ? ifNoneMatch.size() : start);
+    const auto start = field.find_first_not_of(characters);
+    field.remove_prefix(start == std::string_view::npos ? field.size() : start);
   };
   skip(" \t");
-  if (ifNoneMatch.starts_with('*')) return true;
+  if (field.starts_with('*')) return true;
   while (true) {
     skip(" \t,");
-    if (ifNoneMatch.starts_with("W/")) ifNoneMatch.remove_prefix(2);
-    if (!ifNoneMatch.starts_with('"')) return false;
-    const auto end = ifNoneMatch.find('"', 1);
+    const bool namesWeak = field.starts_with(kWeak);
+    if (namesWeak) field.remove_prefix(kWeak.size());
+    if (!field.starts_with('"')) return false;
+    const auto end = field.find('"', 1);
     if (end == std::string_view::npos) return false;
-    if (ifNoneMatch.substr(0, end + 1) == etag) return true;
-    ifNoneMatch.remove_prefix(end + 1);
+    if (field.substr(0, end + 1) == etag && (weakCounts || !(isWeak || namesWeak))) return true;
+    field.remove_prefix(end + 1);
   }
 }
 

@@ -27,7 +27,9 @@ std::shared_ptr<const Rendered> MakeRendered(std::uint64_t version, std::string 
 
 /// The entity tag of a body: a 64-bit hash of its bytes.
 std::string MakeEtag(std::string_view body);
-/// Compares an `If-None-Match` field (RFC 9110 13.1.2: a list of tags, weak ones too, or "*") with the present tag. A match means 304.
-bool MatchesEtag(std::string_view ifNoneMatch, std::string_view etag) noexcept;
+/// How entity tags are compared (RFC 9110 section 8.8.3.2): strongly a weak one equals none.
+enum class EtagComparison : std::uint8_t { kWeak, kStrong };
+/// Whether an `If-Match` or `If-None-Match` field (RFC 9110 section 13.1: a list of tags, or "*") names the present tag.
+bool NamesEtag(std::string_view field, std::string_view etag, EtagComparison comparison) noexcept;
 
 }  // namespace zuva

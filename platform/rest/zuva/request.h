@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "zuva/preconditions.h"
 #include "zuva/query.h"
 
 namespace zuva {
@@ -15,6 +16,7 @@ struct Request {
   std::string_view path;
   Query query;
   const ogm::Object* body = nullptr;  ///< the posted object, with POST
+  Preconditions preconditions;        ///< of a POST; those of a GET are the serving side's
 };
 
 }  // namespace zuva

@@ -11,6 +11,13 @@ void ServerElement::OnPost(const Request& request, ServerReply& reply, const ara
   const auto callback = GetPreUpdateCallback();
   if (!callback) return reply.SendNotAllowed(AllowedMethods());
   if (!request.body) return;
+  // Whoever hands in writes with preconditions lets one of them at a time in, so that the tag holds until the update is over.
+  if (request.preconditions.AreGiven()) {
+    const auto etag = MakeRendered(0, ToOGM())->etag;
+    if (!request.preconditions.MatchHolds(etag) || !request.preconditions.NoneMatchHolds(etag)) {
+      return reply.SendError(std::string{kPreconditionFailed}, 412);
+    }
+  }
   const bool accepted = callback(shared_from_this(), *request.body, reply);
   if (accepted && !reply.IsAnswered()) OnUpdate(*request.body, reply);
 }

@@ -1,5 +1,7 @@
 #include "serve/config.h"
 
+#include <array>
+
 #include <gtest/gtest.h>
 
 #include "tests/unit/rest_serve/served_tree.h"
@@ -23,12 +25,21 @@ std::string WithListen(const std::string& more) {
 }
 
 TEST(Config, AbsentKeysHaveTheirDefaultsAndGivenOnesCount) {
-  const auto config = ParseConfig(WithListen(R"("requestThreads":3,"allowedHosts":["Car.Local"],"limits":{"bodyBytes":100})"));
+  const auto numbers = [](const Config& config) {
+    const auto& limits = config.limits;
+    return std::array{config.requestThreads, limits.connections,           limits.bodyBytes,
+                      limits.headerBytes,    limits.idleSeconds,           limits.requestSeconds,
+                      limits.queuedRequests, limits.pendingBytesPerClient, limits.subscriptionsPerClient};
+  };
+  using Numbers = std::array<std::size_t, 9>;
+  for (const auto* more : {R"("allowedHosts":[])", R"("limits":{})"})
+    EXPECT_EQ(numbers(ParseConfig(WithListen(more))), (Numbers{10, 1024, 65536, 8192, 60, 10, 64, 1048576, 256}));
+  const auto config = ParseConfig(WithListen(
+      R"("requestThreads":3,"allowedHosts":["Car.Local"],"limits":{"connections":1,"bodyBytes":2,"headerBytes":64,"idleSeconds":4,)"
+      R"("requestSeconds":5,"queuedRequests":6,"pendingBytesPerClient":7,"subscriptionsPerClient":8})"));
   EXPECT_EQ(config.listen.at(0).port, 8080);
-  EXPECT_EQ(config.requestThreads, 3U);
   EXPECT_EQ(config.allowedHosts, std::vector<std::string>{"car.local"});
-  EXPECT_EQ(config.limits.bodyBytes, 100U);
-  EXPECT_EQ(config.limits.pendingBytesPerClient, 1048576U);
+  EXPECT_EQ(numbers(config), (Numbers{3, 1, 2, 64, 4, 5, 6, 7, 8}));
 }
 
 struct BadConfig {

@@ -16,16 +16,17 @@ HostRules Rules(std::vector<std::string> hosts, std::vector<std::string> origins
 TEST(HostRules, KnowListenersTheConnectionLocalhostAndAllowedNames) {
   const auto rules = Rules({"car.local"});
   const auto local = boost::asio::ip::make_address("::ffff:192.168.1.5");
-  for (const auto* good :
-       {"[::1]", "[::1]:8080", "[0:0::1]:99", "localhost", "LocalHost:8080", "192.168.1.5", "car.local:80", "CAR.LOCAL", "car.local:"}) {
-    EXPECT_TRUE(rules.AllowsHost(good, local)) << good;
-  }
-  for (const auto* bad : {"", ":80", "evil.example", "192.168.1.6", "car.local.evil", "localhost.", "[::1", "[::1]x", "localhost:8x",
-                          "localhost:123456", "::1:8080", "127.0.0.1"}) {
-    EXPECT_FALSE(rules.AllowsHost(bad, local)) << bad;
-  }
-  EXPECT_TRUE(Rules({"*"}).AllowsHost("evil.example", local));
-  EXPECT_FALSE(Rules({"*"}).AllowsHost("[", local));
+  const auto expect = [&](const HostRules& asked, HostKind kind, std::initializer_list<const char*> hosts) {
+    for (const auto* host : hosts) EXPECT_EQ(asked.KindOf(host, local), kind) << host;
+  };
+  expect(rules, HostKind::kOwn,
+         {"[::1]", "[::1]:8080", "[0:0::1]:99", "localhost", "LocalHost:8080", "192.168.1.5", "car.local:80", "CAR.LOCAL", "car.local:"});
+  expect(rules, HostKind::kForeign, {"", "evil.example", "192.168.1.6", "car.local.evil", "localhost.", "127.0.0.1", "a%2fb", "a_b~!"});
+  const auto invalid = {":80",    "[::1", "[::1]x", "[car]", "localhost:8x", "localhost:123456", "::1:8080", "a b",
+                        "a@b:80", "%zz",  "a%2",    "a/b",   "a\\b",         "\xc3\xa4"};
+  expect(rules, HostKind::kInvalid, invalid);
+  expect(Rules({"*"}), HostKind::kOwn, {"evil.example"});
+  expect(Rules({"*"}), HostKind::kInvalid, invalid);
 }
 
 TEST(HostRules, AnOriginIsTheSameInSchemeHostAndPortOrListed) {
@@ -37,6 +38,10 @@ TEST(HostRules, AnOriginIsTheSameInSchemeHostAndPortOrListed) {
                               "http://localhost:8080.evil"}) {
     EXPECT_FALSE(rules.AllowsOrigin(foreign, "localhost:8080")) << foreign;
   }
+  Config secure;
+  secure.tls.emplace();
+  EXPECT_TRUE(HostRules{secure}.AllowsOrigin("https://localhost:443", "localhost"));
+  EXPECT_FALSE(HostRules{secure}.AllowsOrigin("http://localhost", "localhost"));
 }
 
 }  // namespace

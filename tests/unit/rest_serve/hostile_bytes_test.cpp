@@ -15,6 +15,7 @@ class HostileBytes : public testing::Test {
  protected:
   std::string Status(std::string_view request) {
     const auto answer = tree.Http().Raw(request);
+    EXPECT_NE(answer.find("\r\nDate: "), std::string::npos) << answer;
     return answer.size() > 12 ? answer.substr(9, 3) : answer;
   }
   bool StillServes() { return tree.Http().Get("/").status == 200; }
@@ -29,9 +30,13 @@ TEST_F(HostileBytes, GetAnAnswerAndAClose) {
   EXPECT_EQ(Status(get + "Host: localhost\r\nHost: localhost\r\nConnection: close\r\n\r\n"), "400") << "two";
   EXPECT_EQ(Status(get + "Host: localhost\r\nA: " + std::string(2000, 'a')), "431");
   EXPECT_EQ(Status("GET /" + std::string(2000, 'a')), "431");
-  EXPECT_EQ(Status("POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 99999999999\r\n\r\n"), "413");
-  EXPECT_EQ(Status("POST / HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\nff\r\n"), "413");
-  EXPECT_EQ(Status("POST / HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\n1;" + std::string(9000, 'a')), "400");
+  EXPECT_EQ(Status("GET / HTTP/2.0\r\n"), "505");
+  const auto thing = tree.things->AddThing("writable");
+  tree.Guard(*thing, std::make_shared<test::Gate>());
+  const auto post = "POST " + thing->Path() + " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\n";
+  EXPECT_EQ(Status(post + "Content-Length: 99999999999\r\n\r\n"), "413");
+  EXPECT_EQ(Status(post + "Transfer-Encoding: chunked\r\n\r\nff\r\n"), "413");
+  EXPECT_EQ(Status(post + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(9000, 'a')), "400");
   EXPECT_TRUE(StillServes());
 }
 

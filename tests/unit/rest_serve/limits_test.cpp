@@ -3,8 +3,10 @@
 #include <future>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 
 #include <gtest/gtest.h>
 
@@ -46,7 +48,10 @@ TEST(Limits, TheLongestIdleConnectionGivesWayToANewOneButNoWebSocketDoes) {
 TEST(Limits, WithoutAnIdleConnectionANewClientIsTurnedAway) {
   ServedTree tree{With({{"connections", 1}})};
   auto socket = tree.Socket();
-  EXPECT_TRUE(RawSocket{tree.port}.ReadToEnd().starts_with("HTTP/1.1 503"));
+  const auto answer = RawSocket{tree.port}.ReadToEnd();
+  EXPECT_TRUE(answer.starts_with("HTTP/1.1 503"));
+  for (const auto* field : {"Retry-After: 1", "Date: ", "Connection: close"})
+    EXPECT_NE(answer.find("\r\n" + std::string{field}), std::string::npos) << field;
   socket.Close();
   EXPECT_TRUE(test::WaitFor([&] { return tree.Http().Raw(kGet + "\r\n", std::chrono::milliseconds{50}).starts_with("HTTP/1.1 200"); }));
 }
@@ -57,7 +62,9 @@ TEST(Limits, ASlowRequestEndsWith408AndAnIdleConnectionWithAClose) {
   slow.Send(kGet.substr(0, 20));
   RawSocket idle{tree.port};
   idle.Send(kGet);
-  EXPECT_TRUE(slow.ReadToEnd().starts_with("HTTP/1.1 408"));
+  const auto timeout = slow.ReadToEnd();
+  EXPECT_TRUE(timeout.starts_with("HTTP/1.1 408"));
+  EXPECT_NE(timeout.find("\r\nDate: "), std::string::npos);
   EXPECT_TRUE(idle.ReadToEnd().ends_with("[]"));
   EXPECT_TRUE(idle.HasEnded());
 }
@@ -82,12 +89,56 @@ TEST(Limits, AWebSocketThatSendsButDoesNotReadIsPingedOnceAtATimeAndDoesNotOutli
   RawSocket deaf{tree.port, 4096};
   deaf.Upgrade();
   for (int i = 0; i < 20; ++i) deaf.Send(test_support::ClientFrame(0x81, R"({"action":"get","path":"/S/things","requestId":1})"));
+  RawSocket witness{tree.port};
+  witness.Upgrade();
   for (int i = 0; i < 4; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds{700});  // a ping falls due, and cannot be sent
-    deaf.Send(test_support::ClientFrame(0x81, R"({"action":"get","path":"/","requestId":1})"));
+    const std::string_view ping{"\x89\0", 2};
+    ASSERT_TRUE(witness.ReadUntil(ping).ends_with(ping));  // one falls due for the other too, and cannot be sent
+    for (auto* const socket : {&witness, &deaf}) socket->Send(test_support::ClientFrame(0x8A, ""));
   }
   auto stopped = std::async(std::launch::async, [&] { tree.server->Stop(true); });
-  EXPECT_EQ(stopped.wait_for(std::chrono::seconds{5}), std::future_status::ready);
+  EXPECT_EQ(stopped.wait_for(std::chrono::seconds{3}), std::future_status::ready);
+}
+
+TEST(Limits, AWebSocketIsClosedAtOnceBeyondEightTimesTheLimitOnly) {
+  ServedTree tree{With({{"pendingBytesPerClient", 10'000}})};
+  auto socket = tree.Socket();
+  socket.Subscribe("/S/things");
+  tree.things->AddThing(std::string(39'500, 'x'));  // its type and its name
+  const auto added = socket.Receive();
+  ASSERT_TRUE(added);
+  EXPECT_EQ((*added)["event"], "added");
+  tree.things->AddThing(std::string(40'500, 'x'));
+  EXPECT_EQ(socket.WaitForClose(), 1013U) << "though it takes all that it gets";
+}
+
+TEST(Limits, AChangeThatWaitsCountsSixtyFourBytes) {
+  ServedTree tree{With({{"pendingBytesPerClient", 1'000}})};  // 125 changes are eight times that
+  std::vector<std::shared_ptr<test::Thing>> things;
+  for (int i = 0; i < 130; ++i) things.push_back(tree.things->AddThing("a"));
+  const auto held = tree.others->AddThing("held");
+  auto gate = std::make_shared<test::Gate>();
+  held->SetPreGetCallback([&gate](auto, auto&) {
+    gate->Pass();  // on the I/O thread, so that all changes come to it together
+    return true;
+  });
+  const auto closes = [&](std::size_t count) {
+    auto socket = tree.Socket();
+    for (const auto& thing : things) socket.Send({{"action", "subscribe"}, {"path", thing->Path()}, {"requestId", "1"}});
+    for (std::size_t got = 0; got < 2 * things.size(); ++got) EXPECT_TRUE(socket.Receive());
+    gate = std::make_shared<test::Gate>();
+    auto get = std::async(std::launch::async, [&] { return tree.Http().Get(held->Path()).status; });
+    EXPECT_TRUE(gate->WaitForGuests(1));
+    for (std::size_t i = 0; i < count; ++i) things[i]->Set("text", std::to_string(count));
+    gate->Open();
+    EXPECT_EQ(get.get(), 200U);
+    for (std::size_t got = 0; got < count; ++got) {
+      if (!socket.Receive()) return true;
+    }
+    return false;
+  };
+  EXPECT_FALSE(closes(120));
+  EXPECT_TRUE(closes(130));
 }
 
 TEST(Limits, AnAnswerThatIsNotTakenEndsWithAClose) {
@@ -132,6 +183,21 @@ TEST(Limits, AMuteResourceLeavesTheOthersTheirThreadsAndRefusesItsOwnAfterASecon
   EXPECT_EQ(gate->Guests(), 2U) << "what is refused is never run";
   gate->Open();
   for (auto& response : written) EXPECT_EQ(response.get().status, 200U);
+}
+
+TEST(Limits, BothLoopbackListenersServe) {
+  const auto address = [](const std::string& text) { return json{{"address", text}, {"port", 0}}; };
+  boost::asio::io_context io;
+  boost::system::error_code error;
+  boost::asio::ip::tcp::acceptor probe{io};
+  probe.open(boost::asio::ip::tcp::v6(), error);
+  if (!error) probe.bind({boost::asio::ip::address_v6::loopback(), 0}, error);
+  if (error) GTEST_SKIP() << "this machine has no ::1: " << error.message();
+  ServedTree tree{{{"listen", {address("::1"), address("127.0.0.1")}}}};
+  test::HttpClient six{"::1", tree.PortOf("[::1]")};
+  EXPECT_EQ(six.Get("/").status, 200U);
+  EXPECT_EQ(test::WsClient("::1", tree.PortOf("[::1]")).Ask({{"action", "get"}, {"path", "/"}}).count("data"), 1U);
+  EXPECT_EQ(tree.Http().Get("/").status, 200U);
 }
 
 TEST(Limits, AListenerThatCannotBindIsAWarningUnlessNoneCan) {

@@ -15,13 +15,17 @@ class Task final : public PostTask {
  public:
   explicit Task(std::shared_ptr<test::Gate> gate) : gate_{std::move(gate)} {}
   bool IsWanted() const noexcept override { return wanted; }
-  void Run() noexcept override { gate_->Pass(); }
+  void Run() noexcept override {
+    runsBefore = gate_->Guests();
+    gate_->Pass();
+  }
   void Finish() noexcept override { finished = true; }
   void Refuse() noexcept override { refused = true; }
 
   bool wanted = true;
   bool finished = false;
   bool refused = false;
+  unsigned runsBefore = 0;
 
  private:
   std::shared_ptr<test::Gate> gate_;
@@ -72,6 +76,19 @@ TEST_F(PostQueueTest, ClientsThatHaveLeftTakeNoThread) {
   EXPECT_TRUE(left->refused && !left->finished);
   EXPECT_TRUE(stays->finished);
   EXPECT_EQ(gate->Guests(), 3U);
+}
+
+TEST_F(PostQueueTest, OfThoseThatShareATurnOneRunsAtATimeAndHoldsUpNobodyElse) {
+  const auto first = Make(), second = Make(), other = Make();
+  EXPECT_TRUE(queue.Submit(&one, first, &one));
+  EXPECT_TRUE(queue.Submit(&one, second, &one));
+  EXPECT_TRUE(queue.Submit(&two, other, &two));
+  EXPECT_TRUE(queue.Submit(&one, Make()));
+  ASSERT_TRUE(gate->WaitForGuests(3));
+  gate->Open();
+  EXPECT_TRUE(RunUntil([&] { return queue.IsIdle(); }));
+  EXPECT_TRUE(first->finished && second->finished && other->finished);
+  EXPECT_EQ(second->runsBefore, 3U);
 }
 
 }  // namespace

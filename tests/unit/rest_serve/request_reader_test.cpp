@@ -86,9 +86,10 @@ TEST(RequestReader, LimitsTheBodyByItsLengthAndByItsChunks) {
 
 TEST(RequestReader, RefusesWhatIsNoRequest) {
   for (const std::string_view text :
-       {"\x16\x03\x01\x02 tls", "GET / HTTP/2.0\r\n\r\n", "GET  / HTTP/1.1\r\n\r\n", "GET / HTTP/1.1\nHost: a\n\n",
-        "GET / HTTP/1.1\r\nHost : a\r\n\r\n", "GET / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n",
-        "GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n", "GET / HTTP/1.1\r\nContent-Length: 1\r\nTransfer-Encoding: chunked\r\n\r\n",
+       {"\x16\x03\x01\x02 tls \n", "GET /\r\n", "GET / HTTP/1.1x\r\n", "GET /HTTP/1.1\r\n",  // as soon as the line ends
+        "GET  / HTTP/1.1\r\n\r\n", "GET / HTTP/1.1\nHost: a\n\n", "GET / HTTP/1.1\r\nHost : a\r\n\r\n",
+        "GET / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n", "GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n",
+        "GET / HTTP/1.1\r\nContent-Length: 1\r\nTransfer-Encoding: chunked\r\n\r\n",
         "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
         // What two servers may read differently, so that one of them takes a body for a request.
         "POST / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 1\r\n\r\n", "POST / HTTP/1.1\r\nContent-Length: 1, 1\r\n\r\n",
@@ -97,6 +98,10 @@ TEST(RequestReader, RefusesWhatIsNoRequest) {
         "POST / HTTP/1.0\r\nTransfer-Encoding: chunked\r\n\r\n", "GET / HTTP/1.1\r\nHost: a\r\n folded\r\n\r\n"}) {
     RequestReader reader{8192, 100};
     EXPECT_EQ(Feed(reader, text, text.size()), ReadState::kMalformed) << text;
+  }
+  for (const std::string_view text : {"GET / HTTP/2.0\r\n\r\n", "PRI * HTTP/2.0\r\n", "GET / HTTP/0.9\r\n"}) {
+    RequestReader reader{8192, 100};
+    EXPECT_EQ(Feed(reader, text, 1), ReadState::kBadVersion) << text;
   }
 }
 

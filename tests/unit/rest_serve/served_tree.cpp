@@ -113,13 +113,31 @@ TestTree::TestTree(nlohmann::json settings, std::shared_ptr<ChangeSink> sink, co
 }
 
 ServedTree::ServedTree(nlohmann::json settings, const Files& files) : TestTree{std::move(settings), nullptr, files} {
+  Restart();
+}
+
+void ServedTree::Restart() {
   server->Start(false);
-  constexpr std::string_view kAddress = "//127.0.0.1:";
+  port = PortOf("127.0.0.1");
+}
+
+std::uint16_t ServedTree::PortOf(const std::string& host) const {
+  const auto address = "//" + host + ":";
+  std::uint16_t latest = 0;
   for (const auto& line : capture.Lines()) {
-    const auto at = line.find(kAddress);
+    const auto at = line.find(address);
     if (line.starts_with("Listening on ") && at != std::string::npos)
-      port = static_cast<std::uint16_t>(std::stoul(line.substr(at + kAddress.size())));
+      latest = static_cast<std::uint16_t>(std::stoul(line.substr(at + address.size())));
   }
+  return latest;
+}
+
+std::vector<std::string> Codes(std::string_view answers) {
+  constexpr std::string_view kVersion = "HTTP/1.1 ";
+  std::vector<std::string> codes;
+  for (auto at = answers.find(kVersion); at != std::string_view::npos; at = answers.find(kVersion, at + 1))
+    codes.emplace_back(answers.substr(at + kVersion.size(), 3));
+  return codes;
 }
 
 void ServedTree::Guard(Thing& thing, std::shared_ptr<Gate> gate) {

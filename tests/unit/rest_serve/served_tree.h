@@ -97,10 +97,16 @@ class TestTree {
   std::shared_ptr<Server> server;
 };
 
+/// The statuses of answers that came one after another.
+std::vector<std::string> Codes(std::string_view answers);
+
 /// The same, started.
 class ServedTree : public TestTree {
  public:
   explicit ServedTree(nlohmann::json settings = nlohmann::json::object(), const Files& files = {});
+  void Restart();  ///< after a stop
+  /// Where it listens on this address, as URIs have it; 0: nowhere.
+  std::uint16_t PortOf(const std::string& host) const;
 
   HttpClient Http() const { return {"127.0.0.1", port}; }
   WsClient Socket(std::string_view path = "/", const test_support::Headers& headers = {}) const {

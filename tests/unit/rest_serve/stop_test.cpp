@@ -49,7 +49,7 @@ TEST(Stop, EndsClientsOfEveryKindAndAllThreads) {
   auto stopped = std::async(std::launch::async, [&] { tree.server->Stop(true); });
   EXPECT_EQ(socket.WaitForClose(), 1001U);
   EXPECT_EQ(idle.ReadToEnd() + half.ReadToEnd(), "");
-  EXPECT_EQ(stopped.wait_for(std::chrono::seconds{5}), std::future_status::ready);
+  EXPECT_EQ(stopped.wait_for(std::chrono::seconds{3}), std::future_status::ready);
   stopped.get();
   EXPECT_TRUE(test::WaitFor([&] { return Threads() == before; })) << "the system may show a thread a little longer than it lives";
   EXPECT_THROW(tree.Http().Get("/"), std::runtime_error);

@@ -1,6 +1,7 @@
 #include <array>
 #include <chrono>
 #include <optional>
+#include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -90,7 +91,10 @@ TEST_F(Tls, CarriesRequestsOnAKeptConnection) {
     client.Send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
     EXPECT_EQ(json::parse(client.Receive().body())["services"].size(), 1U);
   }
-  client.Send("POST " + path + " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: 14\r\n\r\n{\"type\":");
+  client.Send("POST " + path +
+              " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: 14\r\nExpect: 100-continue\r\n\r\n");
+  EXPECT_EQ(client.Receive().result_int(), 100U);
+  client.Send("{\"type\":");
   client.Send("\"new\"}GET " + path + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
   EXPECT_EQ(client.Receive().result_int(), 200U);
   EXPECT_EQ(json::parse(client.Receive().body()).value("type", ""), "new");
@@ -103,16 +107,6 @@ TEST_F(Tls, CarriesAnswersLongerThanARecord) {
   client.Send("GET /S/things HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n");
   EXPECT_EQ(json::parse(client.Receive().body()).size(), 401U);
   EXPECT_EQ(client.DrainError(), asio::error::eof) << "the end is told, so that a cut answer can be known";
-}
-
-TEST_F(Tls, AsksForTheBodyOfAClientThatWaits) {
-  SecureClient client{tree.port, own.certificate};
-  client.Handshake();
-  client.Send("POST " + path +
-              " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: 14\r\nExpect: 100-continue\r\n\r\n");
-  EXPECT_EQ(client.Receive().result_int(), 100U);
-  client.Send(R"({"type":"new"})");
-  EXPECT_EQ(client.Receive().result_int(), 200U);
 }
 
 TEST_F(Tls, CarriesWebSockets) {
@@ -177,15 +171,34 @@ TEST_F(Tls, RefusesOldVersionsPlainTextAndGarbage) {
   EXPECT_NO_THROW(client.Handshake());
 }
 
-TEST_F(Tls, KnowsItsOriginByTheScheme) {
-  const std::string head =
-      "POST " + path + " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: 14\r\nOrigin: ";
-  SecureClient client{tree.port, own.certificate};
-  client.Handshake();
-  client.Send(head + "https://localhost\r\n\r\n{\"type\":\"new\"}");
-  EXPECT_EQ(client.Receive().result_int(), 200U);
-  client.Send(head + "http://localhost\r\n\r\n{\"type\":\"new\"}");
-  EXPECT_EQ(client.Receive().result_int(), 403U);
+TEST_F(Tls, TakesAuthenticatedEncryptionWithEphemeralKeysInItsOwnOrder) {
+  std::vector<std::string> chosen;
+  for (const auto* offer : {"ECDHE+CHACHA20:ECDHE+AES256+AESGCM", "ECDHE+AES256+AESGCM:ECDHE+CHACHA20", "ECDHE+AES128:!AESGCM"}) {
+    SecureClient client{tree.port, own.certificate, TLS1_2_VERSION};
+    SSL_set_cipher_list(client.Get().native_handle(), offer);
+    beast::error_code error;
+    client.Get().handshake(SecureClient::Stream::client, error);
+    chosen.emplace_back(error ? "none" : SSL_get_cipher_name(client.Get().native_handle()));
+  }
+  EXPECT_EQ(chosen[0], chosen[1]) << "the server's order counts";
+  EXPECT_EQ(chosen[2], "none");
+}
+
+TEST_F(Tls, SpeaksHttpOnlyToWhoeverNamesProtocols) {
+  using namespace std::string_view_literals;
+  for (const auto& [offer, answer] : {std::pair{""sv, ""sv}, {"\x02h2\x08http/1.1"sv, "http/1.1"sv}, {"\x02h2"sv, "refused"sv}}) {
+    SecureClient client{tree.port, own.certificate};
+    auto* const native = client.Get().native_handle();
+    SSL_set_alpn_protos(native, reinterpret_cast<const unsigned char*>(offer.data()), static_cast<unsigned>(offer.size()));
+    beast::error_code error;
+    client.Get().handshake(SecureClient::Stream::client, error);
+    const unsigned char* chosen = nullptr;
+    unsigned size = 0;
+    SSL_get0_alpn_selected(native, &chosen, &size);
+    EXPECT_EQ(error ? "refused" : std::string(reinterpret_cast<const char*>(chosen), size), answer);
+    const int reason = ERR_GET_REASON(static_cast<unsigned long>(error.value()));
+    EXPECT_TRUE(!error || reason == SSL_R_TLSV1_ALERT_NO_APPLICATION_PROTOCOL) << error.message();
+  }
 }
 
 TEST(TlsLimits, EndAHandshakeThatDoesNotCome) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/raw_socket.h"
 #include "tests/unit/rest_serve/served_tree.h"
 
 namespace zuva::serve {
@@ -72,11 +73,25 @@ TEST_F(Door, GivesASocketTheRightsOfItsToken) {
 }
 
 TEST_F(Door, NamesTheSubprotocolThatShowedTheToken) {
-  const auto answer = tree.Http().Raw(
+  const std::string upgrade =
       "GET / HTTP/1.1\r\nHost: localhost\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
-      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Protocol: chat, bearer.reader-1\r\n\r\n",
-      std::chrono::milliseconds{300});
-  EXPECT_NE(answer.find("Sec-WebSocket-Protocol: bearer.reader-1\r\n"), std::string::npos) << answer;
+      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Protocol: chat, bearer.reader-1\r\n\r\n";
+  test_support::RawSocket socket{tree.port};
+  socket.Send(upgrade);
+  EXPECT_EQ(socket.ReadUntil("\r\n\r\n"),
+            "HTTP/1.1 101 Switching Protocols\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n"
+            "Sec-WebSocket-Accept: s3pPLMBiTxaQ9kYGzzhZRbK+xOo=\r\nSec-WebSocket-Protocol: bearer.reader-1\r\n\r\n");
+  auto old = upgrade;
+  old.replace(old.find("1.1"), 3, "1.0");
+  EXPECT_TRUE(tree.Http().Raw(old).starts_with("HTTP/1.1 400"));
+}
+
+TEST_F(Door, AsksEveryRequestOfAKeptConnectionBeforeItsBodyIsAskedFor) {
+  const auto head = "POST " + path + " HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/json\r\nContent-Length: 2\r\n";
+  const std::string writes = "Authorization: Bearer writer-2\r\n\r\n{}", reads = "Authorization: Bearer reader-1\r\n\r\n{}";
+  const auto answers =
+      tree.Http().Raw(head + writes + head + "\r\n{}" + head + reads + head + writes + head + "Expect: 100-continue\r\n\r\n");
+  EXPECT_EQ(test::Codes(answers), (std::vector<std::string>{"200", "401", "403", "200", "401"}));
 }
 
 }  // namespace

@@ -67,15 +67,19 @@ TEST(Queries, PickElementsOfAResource) {
   EXPECT_EQ(tree.Get(two->Path() + "?fields=value"), projected);
 }
 
-TEST(EntityTags, AreComparedAsIfNoneMatchTells) {
+TEST(EntityTags, AreComparedWeaklyOrStrongly) {
   const auto tag = MakeEtag("[]");
   EXPECT_NE(tag, MakeEtag("{}"));
-  for (const auto& field : {tag, "W/" + tag, std::string{"*"}, "\"other\" ,\t W/\"x,y\", " + tag})
-    EXPECT_TRUE(MatchesEtag(field, tag)) << field;
-  for (const auto& field : {std::string{}, tag.substr(1), tag.substr(0, tag.size() - 1), std::string{"\"other\""}, "x" + tag}) {
-    EXPECT_FALSE(MatchesEtag(field, tag)) << field;
-  }
+  const auto named = [](std::string_view field, std::string_view etag) {
+    return std::pair{NamesEtag(field, etag, EtagComparison::kWeak), NamesEtag(field, etag, EtagComparison::kStrong)};
+  };
+  for (const auto& field : {tag, std::string{"*"}, "\"other\" ,\t W/\"x,y\", " + tag, "W/" + tag + "," + tag})
+    EXPECT_EQ(named(field, tag), std::pair(true, true)) << field;
+  EXPECT_EQ(named("W/" + tag, tag), std::pair(true, false));
+  EXPECT_EQ(named(tag, "W/" + tag), std::pair(true, false));
+  EXPECT_EQ(named("W/" + tag, "W/" + tag), std::pair(true, false));
+  for (const auto& field : {std::string{}, tag.substr(1), tag.substr(0, tag.size() - 1), std::string{"\"other\""}, "x" + tag})
+    EXPECT_EQ(named(field, tag), std::pair(false, false)) << field;
 }
 
-}  // namespace
 }  // namespace zuva::test
