@@ -5,8 +5,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <functional>
+#include <memory>
 #include <new>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -60,6 +62,9 @@ class WantOfMemory : public testing::Test {
   /// What clients do; it may fail anywhere, but only for the client that it meets.
   void Use(const std::string& text) {
     const std::function<void()> uses[]{
+        [&] {  // more at once than ever before: what is kept for reuse runs out
+          for (int i = 0; i < 4 && crowd.size() < 200; ++i) crowd.push_back(std::make_unique<test_support::RawSocket>(tree.port));
+        },
         [&] { tree.Http().Get("/S/things?type=a"); },
         [&] {
           tree.Http().Post(thing->Path(), json{{"text", text}}.dump(), {{"If-Match", "*"}});
@@ -87,6 +92,7 @@ class WantOfMemory : public testing::Test {
   std::shared_ptr<test::Gate> gate = std::make_shared<test::Gate>();
   ServedTree tree;
   std::shared_ptr<test::Thing> thing = tree.things->AddThing("a");
+  std::vector<std::unique_ptr<test_support::RawSocket>> crowd;
 };
 
 TEST_F(WantOfMemory, EndsNoMoreThanTheConnectionThatItMeets) {
