@@ -63,8 +63,8 @@ TEST_F(Hostile, MessagesAndDiscoveryOfTheVehicle) {
       // Entries longer than the message, an option that reaches beyond it, an offer that refers to no option.
       "ff ff 81 00 00 00 00 14 00 00 00 02 01 01 02 00 c0 00 00 00 ff ff ff f0 00 00 00 00",
       "ff ff 81 00 00 00 00 18 00 00 00 03 01 01 02 00 c0 00 00 00 00 00 00 00 00 00 00 04 ff ff 04 00",
-      "ff ff 81 00 00 00 00 24 00 00 00 04 01 01 02 00 c0 00 00 00 00 00 00 10 01 07 00 10 63 10 00 01 01 00 00 03 00 00 00 00 "
-      "00 00 00 00"};
+      ("ff ff 81 00 00 00 00 24 00 00 00 04 01 01 02 00 c0 00 00 00 00 00 00 10 01 07 00 10 63 10 00 01 01 00 00 03 00 00 00 00 "
+       "00 00 00 00")};
   for (const char* bytes : discovery) vehicle_->Command({{"discovery", bytes}});
   const char* messages[] = {"00",
                             "63 10 80 22 ff ff ff ff 00 00 00 01 01 01 02 00",
