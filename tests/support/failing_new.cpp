@@ -10,10 +10,12 @@ namespace {
 
 thread_local unsigned left = 0;  // until one fails; 0: none does
 thread_local bool failed = false;
+thread_local bool goesOnFailing = false;
 
 void* Allocate(std::size_t size, std::size_t alignment) {
   if (left != 0 && --left == 0) {
     failed = true;
+    if (goesOnFailing) left = 1;
     throw std::bad_alloc{};
   }
   void* memory = nullptr;
@@ -23,9 +25,10 @@ void* Allocate(std::size_t size, std::size_t alignment) {
 
 }  // namespace
 
-FailingNew::FailingNew(unsigned n) noexcept {
+FailingNew::FailingNew(unsigned n, Scope scope) noexcept {
   left = n;
   failed = false;
+  goesOnFailing = scope == Scope::kAllAfter;
 }
 FailingNew::~FailingNew() {
   left = 0;

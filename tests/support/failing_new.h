@@ -2,10 +2,13 @@
 
 namespace test_support {
 
-/// While it lives, the n-th `new` of its thread fails, and no other. A program that uses it has its own `operator new`.
+/// While it lives, the n-th `new` of its thread fails, counted from 1, and with `Scope::kAllAfter` each one behind it. A program that uses
+/// it has its own `operator new`.
 class FailingNew {
  public:
-  explicit FailingNew(unsigned n) noexcept;
+  enum class Scope { kOne, kAllAfter };
+
+  explicit FailingNew(unsigned n, Scope scope = Scope::kOne) noexcept;
   ~FailingNew();
   FailingNew(const FailingNew&) = delete;
   FailingNew& operator=(const FailingNew&) = delete;

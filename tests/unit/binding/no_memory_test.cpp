@@ -2,52 +2,26 @@
 #include "xr/com/loggers.h"
 
 #include "ara/log/logger.h"
+#include "tests/support/failing_new.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-/// Allocations of this thread until one fails; below 0 none does.
-thread_local long untilFailure = -1;
-
-void* Allocate(std::size_t size) {
-  if (untilFailure >= 0 && untilFailure-- == 0) throw std::bad_alloc{};
-  if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc{};
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
 
 namespace binding_test {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// Runs a piece in which the n-th allocation of this thread fails. Returns whether it came that far.
+/// Runs a piece in which the n-th allocation of this thread fails, counted from 1. Returns whether it came that far.
 template <class Piece>
-bool FailsAt(long n, Piece&& piece) {
-  untilFailure = n;
+bool FailsAt(unsigned n, Piece&& piece) {
+  const test_support::FailingNew failing{n};
   try {
     piece();
   } catch (const std::exception&) {  // that it throws is fine: it is what is left behind that counts
   }
-  const bool failed = untilFailure < 0;
-  untilFailure = -1;
-  return failed;
+  return test_support::FailingNew::HasFailed();
 }
 
 /// A field with a handler as users write it, on a port and an executor that the test drives.
@@ -92,13 +66,13 @@ class NoMemory : public testing::TestWithParam<ara::log::LogLevel> {
 
 TEST_P(NoMemory, AnEventServesAgainAfterEachFailure) {
   bool failed = true;
-  for (long n = 0; failed; ++n) {
+  for (unsigned n = 1; failed; ++n) {
     Session session;
     failed = FailsAt(n, [&] { session.field->event().subscribe(3); });
     EXPECT_TRUE(session.Serves()) << "subscribe " << n;
   }
   failed = true;
-  for (long n = 0; failed; ++n) {
+  for (unsigned n = 1; failed; ++n) {
     Session session;
     session.field->event().subscribe(3);
     failed = FailsAt(n, [&] {
@@ -112,14 +86,14 @@ TEST_P(NoMemory, AnEventServesAgainAfterEachFailure) {
 
 TEST_P(NoMemory, ACallEndsOrThrowsAndTheNextOneWorks) {
   bool failed = true;
-  for (long n = 0; failed; ++n) {
+  for (unsigned n = 1; failed; ++n) {
     Session session;
     const std::vector value{FullSample()};
     failed = FailsAt(n, [&] { session.field->set(value).wait_for(0ms); });
     EXPECT_TRUE(session.Serves()) << "call " << n;
   }
   failed = true;
-  for (long n = 0; failed; ++n) {
+  for (unsigned n = 1; failed; ++n) {
     Session session;
     auto future = session.field->get();
     Reply reply{0, sample_};
@@ -131,7 +105,7 @@ TEST_P(NoMemory, ACallEndsOrThrowsAndTheNextOneWorks) {
 
 TEST_P(NoMemory, TheEndNeedsNone) {
   bool failed = true;
-  for (long n = 0; failed; ++n) {
+  for (unsigned n = 1; failed; ++n) {
     Session session;
     Field second{session.port, session.executor};
     session.field->event().subscribe(3);

@@ -2,6 +2,7 @@
 #include "ara/log/impl/line_sink.h"
 #include "ara/log/impl/writer.h"
 #include "ara/log/logging.h"
+#include "tests/support/failing_new.h"
 #include "tests/support/log_file.h"
 #include "tests/support/temp_root.h"
 
@@ -14,36 +15,10 @@
 
 namespace {
 
-/// How many more times the calling thread gets memory; below 0: always.
-thread_local int allocationsLeft = -1;
-
-/// Within it the calling thread's n-th `operator new` and all after it fail.
-class NoMemoryFrom {
- public:
-  explicit NoMemoryFrom(int n) { allocationsLeft = n; }
-  ~NoMemoryFrom() { allocationsLeft = -1; }
-};
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (allocationsLeft == 0) throw std::bad_alloc{};
-  if (allocationsLeft > 0) --allocationsLeft;
-  if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc{};
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-
-namespace {
-
 using ara::log::LogLevel;
 using ara::log::impl::Record;
 using ara::log::impl::Writer;
+using test_support::FailingNew;
 
 Record MakeRecord(std::string_view text) {
   static const ara::log::Logger& logger = ara::log::CreateLogger("TEST", "no memory");
@@ -52,12 +27,12 @@ Record MakeRecord(std::string_view text) {
 
 TEST(NoMemory, ALineIsWrittenWholeOrNotAtAll) {
   const std::string huge(60'000, '\n');  // four times as long when it is written: more than the sink keeps ready
-  for (int n = 0; n < 4; ++n) {
+  for (unsigned n = 1; n < 5; ++n) {
     const test_support::TempRoot root;
     const auto sink = ara::log::impl::LineSink::OnFile("APPL", root.LogPath());
     (void)MakeRecord("");
     try {
-      const NoMemoryFrom none{n};
+      const FailingNew none{n, FailingNew::Scope::kAllAfter};
       sink->Write(MakeRecord(huge));
     } catch (const std::bad_alloc&) {
       (void)sink->Flush();
@@ -75,7 +50,7 @@ TEST(NoMemory, ARecordFromBeforeTheStartCountsAsLost) {
   ara::log::impl::EarlyRecords early;
   early.Keep(MakeRecord("kept"));
   {
-    const NoMemoryFrom none{0};
+    const FailingNew none{1, FailingNew::Scope::kAllAfter};
     early.Keep(MakeRecord("a text that is too long to stand in the string itself"));
   }
   const auto kept = early.Take();

@@ -82,4 +82,5 @@ TEST(EntityTags, AreComparedWeaklyOrStrongly) {
     EXPECT_EQ(named(field, tag), std::pair(false, false)) << field;
 }
 
+}  // namespace
 }  // namespace zuva::test

@@ -40,7 +40,7 @@ std::shared_ptr<Thing> Tree::Add(const std::string& type) const {
 
 void Tree::Ask(ServerReply& reply, const std::string& target, Method method, const ogm::Object* body) const {
   auto parsed = ParseTarget(target).value();
-  server->Route({method, parsed.path, std::move(parsed.query), body}, reply);
+  server->Route({method, parsed.path, std::move(parsed.query), body, {}}, reply);
 }
 
 std::string Tree::Get(const std::string& target, Method method) const {
