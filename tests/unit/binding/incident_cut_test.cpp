@@ -34,8 +34,11 @@ TEST(IncidentCut, EndsBehindAMemberAtEachLimit) {
 }
 
 struct Payload {
-  void write_argument(ordered_json& json) const {
-    for (int i = 0; i < 5000; ++i) json["2_data"].push_back(i);
+  void write_argument(xr::com::json::Json_text& json) const {
+    json.key("2_data");
+    json.begin_array();
+    for (std::int64_t i = 0; i < 5000; ++i) json.value(i);
+    json.end_array();
   }
 };
 
