@@ -108,10 +108,10 @@ TEST_F(Listener, AFirstAppearanceThatThrowsIsCompletedByTheNextList) {
   EXPECT_CALL(*wrapper, Subscribe).WillOnce(Return()).WillOnce(::testing::Throw(std::bad_alloc{})).WillRepeatedly(Return());
   EXPECT_THROW(listener->OnServiceFound(one), std::runtime_error);
   EXPECT_THROW(listener->OnServiceFound(one), std::bad_alloc);
-  EXPECT_CALL(*mediator, TellZuvaToUpdate_Registry(false));
+  EXPECT_CALL(*rest, Update_Registry(false));
   listener->OnServiceFound({});
   EXPECT_CALL(*wrapper, Subscribe).Times(15);
-  EXPECT_CALL(*mediator, TellZuvaToUpdate_Registry(true)).Times(2);
+  EXPECT_CALL(*rest, Update_Registry(true)).Times(2);
   listener->OnServiceFound(one);
   listener->OnServiceFound(one);
 }
