@@ -107,20 +107,20 @@ std::unique_ptr<Application> Application::Populated() {
 std::pair<int, std::string> Application::Post(const std::string& path, const std::string& body) {
   const auto posted = ara::rest::serialize::JSONSerializer{}.Deserialize(body);
   zuva::ServerReply reply;
-  Server().Route({zuva::Method::Post, path, {}, posted.get()}, reply);
+  Server().Route({zuva::Method::Post, path, {}, posted.get(), {}}, reply);
   if (reply.GetBody()) return {200, ""};
   return {reply.GetAnswer()->code, reply.GetAnswer()->internal ? "internal" : reply.GetAnswer()->text};
 }
 
 int Application::Status(const std::string& path) {
   zuva::ServerReply reply;
-  Server().Route({zuva::Method::Get, path, {}, nullptr}, reply);
+  Server().Route({zuva::Method::Get, path, {}, nullptr, {}}, reply);
   return reply.GetBody() ? 200 : reply.GetAnswer()->code;
 }
 
 nlohmann::ordered_json Application::Get(const std::string& path) {
   zuva::ServerReply reply;
-  Server().Route({zuva::Method::Get, path, {}, nullptr}, reply);
+  Server().Route({zuva::Method::Get, path, {}, nullptr, {}}, reply);
   if (!reply.GetBody()) throw std::runtime_error{path + " is not there"};
   return nlohmann::ordered_json::parse(reply.GetBody()->body);
 }
