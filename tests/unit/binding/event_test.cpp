@@ -210,8 +210,9 @@ TEST_F(EventTest, WritesItsIncidentWhileTheTransportMayGoOn) {
   const Capture capture;
   event.subscribe(3);
   bool passed = false;
+  std::future<void> transport;
   port->onInstance = [&] {
-    auto transport = std::async(std::launch::async, [sink = port->sink.lock()] { sink->event_state_changed(Subscription_state::pending); });
+    transport = std::async(std::launch::async, [sink = port->sink.lock()] { sink->event_state_changed(Subscription_state::pending); });
     passed = transport.wait_for(test_support::kPatience) == std::future_status::ready;
     port->onInstance = nullptr;
   };
