@@ -59,8 +59,11 @@ void Service_port::resume(const Offer* offer) {
   }
 }
 
-void Service_port::stop() {
+void Service_port::end_subscriptions() {
   for (std::uint16_t field = 0; field < static_cast<std::uint16_t>(service_.fields.size()); ++field) end_subscription(field);
+}
+
+void Service_port::stop() {
   stopped_ = true;
   lost();
   udp_->stop();

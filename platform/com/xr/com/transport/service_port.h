@@ -58,7 +58,9 @@ class Service_port final : public cpp_binding::proxy::Client_port, public std::e
 
   /// Begins to read, and takes up again what an exception has cut short. `offer`: where the instance is now, if it is offered.
   void resume(const Offer* offer);
-  /// Ends everything; the port then behaves as one whose instance is lost.
+  /// Queues the ends of all subscriptions.
+  void end_subscriptions();
+  /// Ends everything else; the port then behaves as one whose instance is lost.
   void stop();
 
   void offered(const Offer& offer);

@@ -130,8 +130,9 @@ void Transport::end() {
       }
     }
   };
+  for (const auto& [key, port] : attached_) attempt([&port = port] { port->end_subscriptions(); });
+  attempt([this] { discovery_.stop(); });  // sends them, before the connections of their fields close
   for (const auto& [key, port] : attached_) attempt([&port = port] { port->stop(); });
-  attempt([this] { discovery_.stop(); });
   work_.reset();
   io_.restart();
   attempt([this] { io_.run_for(kEndTime); });
@@ -173,13 +174,11 @@ std::shared_ptr<Service_port> Transport::open_port(Instance_key key, const Offer
   check(description, service);
   const std::lock_guard lock{mutex_};
   if (stopped_) throw Service_not_available_exception{};
-  auto& port = ports_[key];
-  if (!port) {
-    auto made = std::make_shared<Service_port>(shared_from_this(), Port_environment{io_, deployment_, channel_, buffer_, warnings_},
-                                               service, key, offer);
-    resume_later();
-    port = std::move(made);
-  }
+  if (const auto known = ports_.find(key); known != ports_.end()) return known->second;
+  auto port = std::make_shared<Service_port>(shared_from_this(), Port_environment{io_, deployment_, channel_, buffer_, warnings_}, service,
+                                             key, offer);
+  resume_later();
+  ports_.emplace(key, port);
   return port;
 }
 
