@@ -232,7 +232,11 @@ TEST_F(Discovery, AListThatAFindCouldNotTakeComesAgainWithTheNextOffer) {
     return true;
   });
   for (int i = 0; i < 3; ++i) {
-    vehicle_.offer();
+    const bool came = test_support::WaitFor([&] {  // an offer may come before the handler has said that it could not take the list
+      vehicle_.offer();
+      return !sizes.empty();
+    });
+    ASSERT_TRUE(came);
     EXPECT_EQ(sizes.next(), 1U);
   }
   vehicle_.offer();
