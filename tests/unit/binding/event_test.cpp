@@ -218,6 +218,8 @@ TEST_F(EventTest, WritesItsIncidentWhileTheTransportMayGoOn) {
   };
   event.update();
   EXPECT_TRUE(passed) << "the event's mutex was held";
+  transport.get();
+  executor->RunAll();  // a job that is left would keep strand and executor alive
   EXPECT_EQ(CountOf(capture.Lines(), "Event_cache_update"), 1U);
 }
 
